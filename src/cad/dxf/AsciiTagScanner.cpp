@@ -1,0 +1,101 @@
+#include "cad/dxf/TagScanners.h"
+
+#include "cad/dxf/NumberText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace veltarn::dxf {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// Parses a group-code line: optional spaces, an optional minus, digits, optional spaces.
+bool parseGroupCode(const char* begin, const char* end, int& code) {
+    while (begin < end && (*begin == ' ' || *begin == '\t')) ++begin;
+    while (end > begin && (end[-1] == ' ' || end[-1] == '\t' || end[-1] == '\r')) --end;
+    bool negative = begin < end && *begin == '-';
+    if (negative) ++begin;
+    if (begin == end || end - begin > 5) return false;
+    int value = 0;
+    for (; begin < end; ++begin) {
+        if (*begin < '0' || *begin > '9') return false;
+        value = value * 10 + (*begin - '0');
+    }
+    if (value > 32767) return false;
+    code = negative ? -value : value;
+    return true;
+}
+
+bool onlySpace(std::string_view rest) {
+    return std::all_of(rest.begin(), rest.end(), [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+}
+
+}  // namespace
+
+std::string quoteForMessage(std::string_view text) {
+    std::string out = "\"";
+    std::size_t shown = 0;
+    for (unsigned char c : text) {
+        if (++shown > 40) {
+            out += "...";
+            break;
+        }
+        if (c < 0x20 || c == 0x7F) {
+            static constexpr char kDigits[] = "0123456789ABCDEF";
+            out += "\\x";
+            out += kDigits[c >> 4];
+            out += kDigits[c & 15];
+        } else {
+            out += static_cast<char>(c);
+        }
+    }
+    return out + "\"";
+}
+
+Result<void> AsciiTagScanner::scan(TagFile& file) {
+    const std::string& bytes = file.bytes_;
+    const char* data = bytes.data();
+    const std::size_t size = bytes.size();
+    std::size_t pos = bytes.compare(0, 3, kByteOrderMark) == 0 ? 3 : 0;
+
+    // One counting pass sizes the tag vector exactly: no growth, no copies of millions of tags.
+    std::size_t lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
+    file.tags_.reserve(lines / 2 + 1);
+
+    const char* firstEnd = static_cast<const char*>(std::memchr(data + pos, '\n', size - pos));
+    file.crlf_ = firstEnd && firstEnd > data + pos && firstEnd[-1] == '\r';
+
+    std::size_t line = 1;
+    while (pos < size) {
+        const char* codeBegin = data + pos;
+        const char* codeEnd = static_cast<const char*>(std::memchr(codeBegin, '\n', size - pos));
+        const char* codeLineEnd = codeEnd ? codeEnd : data + size;
+        int code = 0;
+        if (!parseGroupCode(codeBegin, codeLineEnd, code)) {
+            // Blank lines after the last tag are what some editors leave behind: not an error.
+            if (onlySpace(std::string_view(codeBegin, static_cast<std::size_t>(data + size - codeBegin)))) break;
+            return makeError(file.name_ + ":" + std::to_string(line) + ": expected a group code, found " +
+                             quoteForMessage(std::string_view(codeBegin, static_cast<std::size_t>(codeLineEnd - codeBegin))));
+        }
+        if (!codeEnd)
+            return makeError(file.name_ + ":" + std::to_string(line) + ": expected the value of group code " +
+                             std::to_string(code) + ", found the end of the file");
+        std::size_t valuePos = static_cast<std::size_t>(codeEnd - data) + 1;
+        const char* valueEnd = static_cast<const char*>(std::memchr(data + valuePos, '\n', size - valuePos));
+        std::size_t valueLineEnd = valueEnd ? static_cast<std::size_t>(valueEnd - data) : size;
+        std::size_t length = valueLineEnd - valuePos;
+        if (length > 0 && data[valuePos + length - 1] == '\r') --length;
+
+        file.tags_.push_back(Tag{static_cast<std::uint32_t>(valuePos),
+                                 static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
+                                 static_cast<std::int16_t>(code)});
+        pos = valueEnd ? valueLineEnd + 1 : size;
+        line += 2;
+        if (code == 0 && trimSpaces(std::string_view(data + valuePos, length)) == "EOF") return {};
+    }
+    file.missingEof_ = true;
+    return {};
+}
+
+}  // namespace veltarn::dxf

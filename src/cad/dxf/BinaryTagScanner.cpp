@@ -1,0 +1,86 @@
+#include "cad/dxf/TagScanners.h"
+
+#include <cstring>
+
+namespace veltarn::dxf {
+namespace {
+
+std::size_t fixedWidthOf(ValueKind kind) {
+    switch (kind) {
+        case ValueKind::Real: return 8;
+        case ValueKind::Int16: return 2;
+        case ValueKind::Int32: return 4;
+        case ValueKind::Int64: return 8;
+        case ValueKind::Bool: return 1;
+        default: return 0;
+    }
+}
+
+}  // namespace
+
+Result<void> BinaryTagScanner::scan(TagFile& file) {
+    const std::string& bytes = file.bytes_;
+    const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+    const std::size_t size = bytes.size();
+    std::size_t pos = kBinarySentinel.size();
+    // "0 SECTION" opens every file: a zero byte then 'S' means one-byte codes (R12), two zero
+    // bytes mean two-byte codes.
+    file.shortCodes_ = pos + 1 < size && data[pos] == 0 && data[pos + 1] != 0;
+    file.tags_.reserve(size / 12);
+
+    auto fail = [&](std::size_t at, const std::string& what) {
+        return makeError(file.name_ + ":@" + std::to_string(at) + ": " + what);
+    };
+
+    while (pos < size) {
+        const std::size_t tagPos = pos;
+        int code = 0;
+        if (file.shortCodes_) {
+            code = data[pos++];
+            if (code == 255) {
+                if (size - pos < 2) return fail(tagPos, "expected a two-byte group code after 255, found the end of the file");
+                code = static_cast<std::int16_t>(data[pos] | data[pos + 1] << 8);
+                pos += 2;
+            }
+        } else {
+            if (size - pos < 2) return fail(tagPos, "expected a two-byte group code, found the end of the file");
+            code = static_cast<std::int16_t>(data[pos] | data[pos + 1] << 8);
+            pos += 2;
+        }
+
+        ValueKind kind = valueKindOf(code);
+        std::size_t valuePos = pos, length = 0;
+        if (kind == ValueKind::String) {
+            const void* nul = std::memchr(data + pos, 0, size - pos);
+            if (!nul)
+                return fail(valuePos, "expected the end (a zero byte) of the text of group code " +
+                                          std::to_string(code) + ", found the end of the file");
+            length = static_cast<std::size_t>(static_cast<const unsigned char*>(nul) - (data + pos));
+            pos += length + 1;
+        } else if (kind == ValueKind::Binary) {
+            if (pos >= size)
+                return fail(pos, "expected the length of the binary chunk of group code " + std::to_string(code) +
+                                     ", found the end of the file");
+            length = data[pos];
+            valuePos = ++pos;
+            if (size - pos < length)
+                return fail(valuePos, "expected " + std::to_string(length) + " bytes of binary chunk (group code " +
+                                          std::to_string(code) + "), found " + std::to_string(size - pos));
+            pos += length;
+        } else {
+            length = fixedWidthOf(kind);
+            if (size - pos < length)
+                return fail(valuePos, "expected a " + std::to_string(length) + "-byte value of group code " +
+                                          std::to_string(code) + ", found " + std::to_string(size - pos) + " bytes");
+            pos += length;
+        }
+        file.tags_.push_back(Tag{static_cast<std::uint32_t>(valuePos),
+                                 static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
+                                 static_cast<std::int16_t>(code)});
+        if (code == 0 && std::string_view(bytes.data() + valuePos, length) == "EOF") return {};
+    }
+    file.missingEof_ = true;
+    return {};
+}
+
+}  // namespace veltarn::dxf

@@ -1,0 +1,208 @@
+#include "cad/dxf/TagFile.h"
+
+#include "cad/dxf/NumberText.h"
+#include "cad/dxf/TagScanners.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+namespace veltarn::dxf {
+namespace {
+
+template <class T>
+T readLittleEndian(const char* at) {
+    T value;
+    std::memcpy(&value, at, sizeof value);  // the platforms we build for are little-endian
+    return value;
+}
+
+std::string describeTag(const TagFile& file, std::size_t i) {
+    return std::to_string(file.code(i)) + " " + quoteForMessage(file.text(i));
+}
+
+}  // namespace
+
+Result<TagFile> TagFile::load(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return makeError(path.string() + ": cannot open: " + std::strerror(errno));
+    std::error_code ec;
+    auto size = std::filesystem::file_size(path, ec);
+    if (ec) return makeError(path.string() + ": cannot read: " + ec.message());
+    if (size >= 0xFFFFFFF0u) return makeError(path.string() + ": the file is larger than 4 GiB, which DXF files here may not be");
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    if (!in.read(bytes.data(), static_cast<std::streamsize>(size)))
+        return makeError(path.string() + ": cannot read: " + std::strerror(errno));
+    return parse(std::move(bytes), path.string());
+}
+
+Result<TagFile> TagFile::parse(std::string bytes, std::string name) {
+    TagFile file;
+    file.name_ = std::move(name);
+    if (bytes.size() >= 0xFFFFFFF0u) return makeError(file.name_ + ": the file is larger than 4 GiB, which DXF files here may not be");
+    file.bytes_ = std::move(bytes);
+    if (file.bytes_.empty()) return makeError(file.name_ + ": the file is empty, expected DXF tags");
+    bool binary = file.bytes_.compare(0, kBinarySentinel.size(), kBinarySentinel) == 0;
+    file.form_ = binary ? FileForm::Binary : FileForm::Ascii;
+    if (auto scanned = binary ? BinaryTagScanner::scan(file) : AsciiTagScanner::scan(file); !scanned) return scanned.error();
+    if (file.tags_.empty()) return makeError(file.name_ + ": expected DXF tags, found none");
+    if (auto checked = file.checkSections(); !checked) return checked.error();
+    if (auto facts = file.readHeaderFacts(); !facts) return facts.error();
+    return file;
+}
+
+Result<void> TagFile::checkSections() {
+    const std::size_t n = tags_.size();
+    std::size_t i = 0;
+    while (i < n) {
+        if (is(i, code::kStructure, "EOF")) return {};
+        if (!is(i, code::kStructure, "SECTION"))
+            return makeError(where(i) + ": expected 0 SECTION or 0 EOF, found " + describeTag(*this, i));
+        if (i + 1 >= n || code(i + 1) != code::kName)
+            return makeError(where(i + 1 < n ? i + 1 : i) + ": expected the section name (group code 2) after 0 SECTION");
+        std::string section = text(i + 1);
+        std::size_t j = i + 2;
+        for (; j < n; ++j) {
+            if (code(j) != code::kStructure) continue;
+            if (is(j, code::kStructure, "ENDSEC")) break;
+            if (is(j, code::kStructure, "SECTION") || is(j, code::kStructure, "EOF"))
+                return makeError(where(i) + ": section " + section + " never ends: expected 0 ENDSEC before " +
+                                 describeTag(*this, j) + " at " + where(j));
+        }
+        if (j >= n)
+            return makeError(where(i) + ": section " + section + " never ends: expected 0 ENDSEC, found the end of the file");
+        i = j + 1;
+    }
+    return {};
+}
+
+Result<void> TagFile::readHeaderFacts() {
+    std::string codePage;
+    if (size() >= 2 && is(1, code::kName, "HEADER")) {
+        for (std::size_t i = 2; i + 1 < size() && code(i) != code::kStructure; ++i) {
+            if (code(i) != code::kVariableName) continue;
+            if (is(i, code::kVariableName, "$ACADVER"))
+                version_ = std::string(trimSpaces(raw(i + 1)));
+            else if (is(i, code::kVariableName, "$DWGCODEPAGE"))
+                codePage = std::string(trimSpaces(raw(i + 1)));
+        }
+    }
+    codec_ = TextCodec::forFile(version_, codePage);
+    return {};
+}
+
+std::size_t TagFile::valueLength(const Tag& tag) const {
+    if (tag.length != Tag::kLongValue) return tag.length;
+    if (form_ == FileForm::Ascii) {
+        const char* begin = bytes_.data() + tag.offset;
+        const void* end = std::memchr(begin, '\n', bytes_.size() - tag.offset);
+        std::size_t length = end ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : bytes_.size() - tag.offset;
+        if (length > 0 && begin[length - 1] == '\r') --length;
+        return length;
+    }
+    // Only texts can be this long in binary files: they end at their zero byte.
+    return std::strlen(bytes_.data() + tag.offset);
+}
+
+std::string_view TagFile::raw(std::size_t i) const {
+    const Tag& tag = tags_[i];
+    return std::string_view(bytes_.data() + tag.offset, valueLength(tag));
+}
+
+bool TagFile::is(std::size_t i, int wantedCode, std::string_view word) const {
+    return tags_[i].code == wantedCode && trimSpaces(raw(i)) == word;
+}
+
+std::string TagFile::text(std::size_t i) const {
+    std::string_view value = raw(i);
+    if (form_ == FileForm::Binary) {
+        switch (valueKindOf(tags_[i].code)) {
+            case ValueKind::String: break;
+            case ValueKind::Real: return formatReal(readLittleEndian<double>(value.data()));
+            case ValueKind::Int16: return std::to_string(readLittleEndian<std::int16_t>(value.data()));
+            case ValueKind::Int32: return std::to_string(readLittleEndian<std::int32_t>(value.data()));
+            case ValueKind::Int64: return std::to_string(readLittleEndian<std::int64_t>(value.data()));
+            case ValueKind::Bool: return std::to_string(static_cast<unsigned char>(value[0]));
+            case ValueKind::Binary: return toHex(value);
+        }
+    }
+    return codec_.needsDecoding(value) ? codec_.decode(value) : std::string(value);
+}
+
+std::optional<double> TagFile::real(std::size_t i) const {
+    std::string_view value = raw(i);
+    if (form_ == FileForm::Binary) {
+        switch (valueKindOf(tags_[i].code)) {
+            case ValueKind::Real: return readLittleEndian<double>(value.data());
+            case ValueKind::String: case ValueKind::Binary: return parseReal(value);
+            default: {
+                auto integral = integer(i);
+                return integral ? std::optional<double>(static_cast<double>(*integral)) : std::nullopt;
+            }
+        }
+    }
+    return parseReal(value);
+}
+
+std::optional<std::int64_t> TagFile::integer(std::size_t i) const {
+    std::string_view value = raw(i);
+    if (form_ == FileForm::Binary) {
+        switch (valueKindOf(tags_[i].code)) {
+            case ValueKind::Int16: return readLittleEndian<std::int16_t>(value.data());
+            case ValueKind::Int32: return readLittleEndian<std::int32_t>(value.data());
+            case ValueKind::Int64: return readLittleEndian<std::int64_t>(value.data());
+            case ValueKind::Bool: return static_cast<unsigned char>(value[0]);
+            case ValueKind::Real: return std::nullopt;
+            default: break;
+        }
+    }
+    return parseInteger(value);
+}
+
+std::size_t TagFile::tagStart(std::size_t i) const {
+    const Tag& tag = tags_[i];
+    if (form_ == FileForm::Binary) {
+        std::size_t start = tag.offset;
+        if (valueKindOf(tag.code) == ValueKind::Binary) --start;  // the length byte
+        if (!shortCodes_) return start - 2;
+        return start - (tag.code >= 0 && tag.code < 255 ? 1 : 3);
+    }
+    // The group-code line ends right before the value: walk back to the line before it.
+    std::size_t pos = tag.offset - 1;  // the '\n' ending the code line
+    while (pos > 0 && bytes_[pos - 1] != '\n') --pos;
+    return pos;
+}
+
+std::size_t TagFile::tagEnd(std::size_t i) const {
+    const Tag& tag = tags_[i];
+    std::size_t end = tag.offset + valueLength(tag);
+    if (form_ == FileForm::Binary) return end + (valueKindOf(tag.code) == ValueKind::String ? 1 : 0);
+    if (end < bytes_.size() && bytes_[end] == '\r') ++end;
+    if (end < bytes_.size() && bytes_[end] == '\n') ++end;
+    return end;
+}
+
+std::string_view TagFile::span(std::size_t first, std::size_t last) const {
+    if (first >= last) return {};
+    std::size_t begin = tagStart(first), end = tagEnd(last - 1);
+    return std::string_view(bytes_).substr(begin, end - begin);
+}
+
+std::string_view TagFile::trailer() const {
+    if (tags_.empty()) return {};
+    return std::string_view(bytes_).substr(tagEnd(tags_.size() - 1));
+}
+
+std::size_t TagFile::lineOf(std::size_t i) const {
+    std::size_t start = tagStart(i);
+    return 1 + static_cast<std::size_t>(std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(start), '\n'));
+}
+
+std::string TagFile::where(std::size_t i) const {
+    if (form_ == FileForm::Binary) return name_ + ":@" + std::to_string(tagStart(i));
+    return name_ + ":" + std::to_string(lineOf(i));
+}
+
+}  // namespace veltarn::dxf

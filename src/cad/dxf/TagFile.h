@@ -1,0 +1,97 @@
+// One DXF file in memory: its bytes in one buffer and its tags as slices of it. Nothing is copied
+// or converted while reading; values are decoded when asked for, so loading runs near disk speed
+// and an unchanged tag can be written back byte for byte.
+#pragma once
+
+#include "cad/dxf/GroupCode.h"
+#include "cad/dxf/Result.h"
+#include "cad/dxf/TextCodec.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace veltarn::dxf {
+
+enum class FileForm : std::uint8_t { Ascii, Binary };
+
+// The first bytes of every binary DXF file.
+inline constexpr std::string_view kBinarySentinel{"AutoCAD Binary DXF\r\n\x1a\0", 22};
+
+// A tag as a slice of the file buffer: 8 bytes, so that a drawing of millions of tags stays small.
+struct Tag {
+    static constexpr std::uint16_t kLongValue = 0xFFFF;  // the length is measured again on access
+    std::uint32_t offset;  // first byte of the value
+    std::uint16_t length;  // bytes of the value (ASCII: without the line end)
+    std::int16_t code;
+};
+static_assert(sizeof(Tag) == 8);
+
+class TagFile {
+public:
+    // Reads and checks a file. Fails with "<name>:<line>: <what was expected>" (a byte offset,
+    // "@<offset>", for binary files) on anything that is not a well-formed DXF tag stream.
+    static Result<TagFile> load(const std::filesystem::path& path);
+    // The same for bytes already in memory; `name` is used in messages.
+    static Result<TagFile> parse(std::string bytes, std::string name);
+
+    std::size_t size() const { return tags_.size(); }
+    const std::vector<Tag>& tags() const { return tags_; }
+    int code(std::size_t i) const { return tags_[i].code; }
+
+    // The value's bytes as stored: an ASCII line without its line end, or binary value bytes.
+    std::string_view raw(std::size_t i) const;
+    // The value as UTF-8 text in the form ASCII DXF writes it: binary numbers formatted, binary
+    // chunks in hexadecimal, code-page text decoded and escapes resolved.
+    std::string text(std::size_t i) const;
+    // True when the value, with surrounding spaces ignored, is `word` (structure tests).
+    bool is(std::size_t i, int code, std::string_view word) const;
+    std::optional<double> real(std::size_t i) const;
+    std::optional<std::int64_t> integer(std::size_t i) const;
+
+    FileForm form() const { return form_; }
+    // $ACADVER of the header ("AC1009" when the header has none, as in minimal R12 files).
+    const std::string& version() const { return version_; }
+    const TextCodec& codec() const { return codec_; }
+    // "\r\n" or "\n": what the file used, for tags written anew into it.
+    std::string_view lineEnd() const { return crlf_ ? "\r\n" : "\n"; }
+    // True when the file ended without "0 EOF".
+    bool missingEof() const { return missingEof_; }
+    const std::string& name() const { return name_; }
+    std::string_view bytes() const { return bytes_; }
+
+    // Where tag i starts, for messages: "name:line" (ASCII) or "name:@offset" (binary).
+    std::string where(std::size_t i) const;
+    // 1-based line of tag i's group code (ASCII files).
+    std::size_t lineOf(std::size_t i) const;
+
+    // The bytes of tags [first, last) exactly as the file holds them, line ends included.
+    std::string_view span(std::size_t first, std::size_t last) const;
+    // Bytes after the final tag (after "0 EOF": some writers pad files); written back unchanged.
+    std::string_view trailer() const;
+
+private:
+    friend class AsciiTagScanner;
+    friend class BinaryTagScanner;
+
+    std::size_t valueLength(const Tag& tag) const;
+    std::size_t tagStart(std::size_t i) const;  // first byte of the group code
+    std::size_t tagEnd(std::size_t i) const;    // one past the value and its line end
+    Result<void> readHeaderFacts();
+    Result<void> checkSections();
+
+    std::string name_;
+    std::string bytes_;
+    std::vector<Tag> tags_;
+    std::string version_ = "AC1009";
+    TextCodec codec_;
+    FileForm form_ = FileForm::Ascii;
+    bool crlf_ = false;
+    bool shortCodes_ = false;  // binary R12: one-byte group codes
+    bool missingEof_ = false;
+};
+
+}  // namespace veltarn::dxf

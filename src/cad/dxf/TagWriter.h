@@ -1,0 +1,61 @@
+// Writes DXF tags in one form, version and encoding: runs of unchanged tags byte for byte from
+// the file they were read from, new or changed values from their UTF-8 text.
+#pragma once
+
+#include "cad/dxf/OutputSink.h"
+#include "cad/dxf/TagFile.h"
+
+namespace veltarn::dxf {
+
+struct WriteFormat {
+    FileForm form = FileForm::Ascii;
+    std::string version = "AC1032";  // $ACADVER; decides one- or two-byte codes in binary R12
+    TextCodec codec;                 // UTF-8 unless a code page applies
+    std::string lineEnd = "\r\n";    // ASCII only
+
+    // The format `file` was read in, so that a drawing is saved as it came.
+    static WriteFormat of(const TagFile& file);
+};
+
+class TagWriter {
+public:
+    TagWriter(OutputSink& sink, WriteFormat format);
+
+    // The binary sentinel, when the form is binary. Call once before the first tag.
+    void begin();
+
+    // Tags [first, last) of `file`: copied as bytes when the file has this writer's format,
+    // otherwise converted tag by tag.
+    void copy(const TagFile& file, std::size_t first, std::size_t last);
+
+    // One tag from its value text as ASCII DXF writes it (numbers in decimal, binary chunks in
+    // hexadecimal, texts in UTF-8). A value that does not fit its group code is an error.
+    void write(int code, std::string_view text);
+    void writeReal(int code, double value);
+    void writeInteger(int code, std::int64_t value);
+    // Raw bytes, such as the trailer of a file.
+    void writeBytes(std::string_view bytes);
+
+    // The first error met, if any.
+    Result<void> status() const;
+    const WriteFormat& format() const { return format_; }
+
+private:
+    bool sameFormatAs(const TagFile& file) const;
+    void writeCode(int code);
+    void fail(std::string message);
+
+    OutputSink& sink_;
+    WriteFormat format_;
+    bool shortCodes_;
+    std::string scratch_;
+    std::string error_;
+};
+
+// Writes `file` as it was read, adding "0 EOF" when the file lacked it.
+void writeUnchanged(const TagFile& file, TagWriter& writer);
+
+// Saves `file` unchanged to `target` (atomically).
+Result<void> saveUnchanged(const TagFile& file, const std::filesystem::path& target);
+
+}  // namespace veltarn::dxf
