@@ -95,12 +95,11 @@ double leadingReal(std::wstring_view text) {
         number += '.';
         for (++i; i < text.size() && isMantissaDigit(text[i]); ++i, ++digits) number += static_cast<char>(text[i]);
     }
-    if (digits == 0) return sign(0.0);
+    if (digits == 0) return 0.0;  // nothing converted: no sign either
     const wchar_t exponentMark = hex ? L'p' : L'e';
     if (i < text.size() && (text[i] == exponentMark || text[i] == exponentMark - 32)) {
         std::size_t j = i + 1;
-        std::string exponent = "e";
-        if (hex) exponent = "p";
+        std::string exponent = hex ? "p" : "e";
         if (j < text.size() && (text[j] == L'+' || text[j] == L'-')) exponent += static_cast<char>(text[j++]);
         if (j < text.size() && isDigit(text[j])) {
             for (; j < text.size() && isDigit(text[j]); ++j) exponent += static_cast<char>(text[j]);
@@ -110,9 +109,7 @@ double leadingReal(std::wstring_view text) {
 
     double value = 0;
     auto format = hex ? std::chars_format::hex : std::chars_format::general;
-    auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value, format);
-    (void)end;
-    if (ec == std::errc::result_out_of_range) {
+    if (std::from_chars(number.data(), number.data() + number.size(), value, format).ec == std::errc::result_out_of_range) {
         // Beyond a double: the runtime gives HUGE_VAL or 0, keeping the sign.
         value = isTooLarge(number, hex) ? std::numeric_limits<double>::infinity() : 0.0;
     }
