@@ -1,0 +1,516 @@
+#include "cad/db/Database.h"
+
+#include "cad/db/GroupCodes.h"
+#include "cad/db/NewDrawing.h"
+#include "cad/dxf/NumberText.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace veltarn::db {
+
+void loadIndex(Database& db);
+
+const char* describe(OpenStatus status) {
+    switch (status) {
+        case OpenStatus::Ok: return "ok";
+        case OpenStatus::NotFound: return "no such object";
+        case OpenStatus::Erased: return "the object was erased";
+        case OpenStatus::OnLockedLayer: return "the entity is on a locked layer";
+    }
+    return "?";
+}
+
+static char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+bool sameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (upper(a[i]) != upper(b[i])) return false;
+    return true;
+}
+
+std::string upperName(std::string_view name) {
+    std::string out(name);
+    for (char& c : out) c = upper(c);
+    return out;
+}
+
+// --- ObjectWriter -----------------------------------------------------------------------------
+
+ObjectWriter::ObjectWriter(Database* db, Handle handle, OpenStatus status, TagList tags)
+    : db_(db), handle_(handle), status_(status), tags_(std::move(tags)) {
+    if (status_ == OpenStatus::Ok) original_ = tags_;
+}
+
+ObjectWriter::ObjectWriter(ObjectWriter&& other) noexcept
+    : db_(other.db_), handle_(other.handle_), status_(other.status_), tags_(std::move(other.tags_)), original_(std::move(other.original_)) {
+    other.db_ = nullptr;
+}
+
+void ObjectWriter::close() {
+    if (db_ && status_ == OpenStatus::Ok && !(tags_ == original_)) (void)db_->replace(handle_, tags_);
+    db_ = nullptr;
+}
+
+// --- Construction -----------------------------------------------------------------------------
+
+Database::Database() = default;
+Database::Database(Database&&) noexcept = default;
+Database& Database::operator=(Database&&) noexcept = default;
+Database::~Database() = default;
+
+Result<Database> Database::load(const std::filesystem::path& path) {
+    auto file = dxf::TagFile::load(path);
+    if (!file) return file.error();
+    Database db;
+    db.file_ = std::make_unique<dxf::TagFile>(std::move(file).value());
+    loadIndex(db);
+    return db;
+}
+
+Result<Database> Database::parse(std::string bytes, std::string name) {
+    auto file = dxf::TagFile::parse(std::move(bytes), std::move(name));
+    if (!file) return file.error();
+    Database db;
+    db.file_ = std::make_unique<dxf::TagFile>(std::move(file).value());
+    loadIndex(db);
+    return db;
+}
+
+Database Database::createNew() {
+    auto db = parse(newDrawingText(), "new drawing");
+    assert(db.ok() && "the built-in drawing template must parse");
+    return std::move(db).value();
+}
+
+// --- Slots ------------------------------------------------------------------------------------
+
+std::uint32_t Database::slotOf(Handle handle) const { return handle == kNoHandle ? kNoSlot : handles_.get(handle); }
+
+std::uint16_t Database::internType(std::string_view type) {
+    auto it = typeIds_.find(std::string(type));
+    if (it != typeIds_.end()) return it->second;
+    auto id = static_cast<std::uint16_t>(types_.size());
+    types_.emplace_back(type);
+    typeIds_.emplace(std::string(type), id);
+    return id;
+}
+
+UndoJournal::State Database::stateOf(std::uint32_t slot) const {
+    const Slot& s = slots_[slot];
+    return {s.begin, s.size, s.flags};
+}
+
+void Database::setState(std::uint32_t slot, UndoJournal::State state) {
+    Slot& s = slots_[slot];
+    s.begin = state.begin;
+    s.size = state.size;
+    s.flags = state.flags;
+}
+
+void Database::storeOwned(std::uint32_t slot, const TagList& tags) {
+    thread_local std::string blob;
+    blob.clear();
+    tags.encode(blob);
+    UndoJournal::State before = stateOf(slot);
+    UndoJournal::State after{arena_.store(blob), static_cast<std::uint32_t>(blob.size()),
+                             static_cast<std::uint8_t>((before.flags | kOwned) & ~kErased)};
+    setState(slot, after);
+    journal_.record(slot, before, after);
+}
+
+void Database::decodeSlot(const Slot& slot, TagList& out) const {
+    if (slot.flags & kOwned) {
+        out = TagList::decode(arena_.at(slot.begin, slot.size));
+        return;
+    }
+    out.clear();
+    out.reserve(slot.size);
+    for (std::uint32_t i = slot.begin; i < slot.begin + slot.size; ++i) out.add(file_->code(i), file_->text(i));
+}
+
+std::string Database::nameOf(std::uint32_t slot) const {
+    const Slot& s = slots_[slot];
+    if (s.flags & kOwned) {
+        TagList tags;
+        decodeSlot(s, tags);
+        auto name = tags.text(gc::kName);
+        return name ? std::string(*name) : std::string();
+    }
+    for (std::uint32_t i = s.begin + 1; i < s.begin + s.size; ++i)
+        if (file_->code(i) == gc::kName) return file_->text(i);
+    return {};
+}
+
+void Database::registerSubHandles(std::uint32_t slot, const TagList& tags) {
+    for (std::size_t i = 1; i + 1 < tags.size(); ++i) {
+        if (tags[i].code != gc::kStructure || tags[i + 1].code != gc::kHandle) continue;
+        if (auto sub = parseHandle(tags[i + 1].value)) {
+            if (handles_.get(*sub) == HandleIndex::kNone) handles_.set(*sub, slot);
+            if (*sub >= nextHandle_) nextHandle_ = *sub + 1;
+        }
+    }
+}
+
+std::uint32_t Database::create(Slot slot, std::uint32_t anchor, TagList& tags) {
+    slot.flags = kErased;  // the state before: not there
+    slot.type = internType(tags.type());
+    slots_.push_back(slot);
+    auto index = static_cast<std::uint32_t>(slots_.size() - 1);
+    if (slot.handle != kNoHandle) handles_.set(slot.handle, index);
+    anchored_[anchor].push_back(index);
+    storeOwned(index, tags);
+    registerSubHandles(index, tags);
+    return index;
+}
+
+// --- Objects ----------------------------------------------------------------------------------
+
+OpenStatus Database::status(Handle handle) const {
+    std::uint32_t slot = slotOf(handle);
+    if (slot == kNoSlot) return OpenStatus::NotFound;
+    return (slots_[slot].flags & kErased) ? OpenStatus::Erased : OpenStatus::Ok;
+}
+
+std::string_view Database::typeName(Handle handle) const {
+    std::uint32_t slot = slotOf(handle);
+    return slot == kNoSlot ? std::string_view() : std::string_view(types_[slots_[slot].type]);
+}
+
+Section Database::sectionOf(Handle handle) const {
+    std::uint32_t slot = slotOf(handle);
+    return slot == kNoSlot ? Section::None : slots_[slot].section;
+}
+
+OpenStatus Database::read(Handle handle, TagList& out) const {
+    OpenStatus result = status(handle);
+    if (result != OpenStatus::Ok) return result;
+    decodeSlot(slots_[slotOf(handle)], out);
+    return OpenStatus::Ok;
+}
+
+TagList Database::tags(Handle handle) const {
+    TagList out;
+    (void)read(handle, out);
+    return out;
+}
+
+bool Database::onLockedLayer(const TagList& tags) const {
+    auto layer = tags.text(gc::kLayer);
+    if (!layer) return false;
+    Handle record = findRecord("LAYER", dxf::trimSpaces(*layer));
+    if (record == kNoHandle) return false;
+    TagList layerTags = this->tags(record);
+    return (layerTags.integer(gc::kFlags).value_or(0) & 4) != 0;
+}
+
+ObjectWriter Database::openForWrite(Handle handle, bool evenIfLocked) {
+    TagList tags;
+    OpenStatus result = read(handle, tags);
+    if (result == OpenStatus::Ok && !evenIfLocked && blockOf(handle) != kNoHandle && onLockedLayer(tags))
+        result = OpenStatus::OnLockedLayer;
+    if (result != OpenStatus::Ok) tags.clear();
+    return ObjectWriter(this, handle, result, std::move(tags));
+}
+
+OpenStatus Database::replace(Handle handle, const TagList& tags) {
+    OpenStatus result = status(handle);
+    if (result != OpenStatus::Ok) return result;
+    std::uint32_t slot = slotOf(handle);
+    storeOwned(slot, tags);
+    registerSubHandles(slot, tags);
+    return OpenStatus::Ok;
+}
+
+Handle Database::ownerOf(Handle handle) const {
+    TagList list;
+    if (read(handle, list) != OpenStatus::Ok) return kNoHandle;
+    bool inGroup = false;
+    for (std::size_t i = 1; i < list.size(); ++i) {
+        const TagValue& tag = list[i];
+        if (tag.code == gc::kControlString) inGroup = dxf::trimSpaces(tag.value) != kGroupEnd;
+        else if (tag.code == gc::kSoftPointer && !inGroup) return parseHandle(tag.value).value_or(kNoHandle);
+        else if (tag.code == gc::kStructure) break;
+    }
+    return kNoHandle;
+}
+
+OpenStatus Database::erase(Handle handle) {
+    OpenStatus result = status(handle);
+    if (result != OpenStatus::Ok) return result;
+    std::uint32_t slot = slotOf(handle);
+    UndoJournal::State before = stateOf(slot), after = before;
+    after.flags |= kErased;
+    setState(slot, after);
+    journal_.record(slot, before, after);
+    return OpenStatus::Ok;
+}
+
+OpenStatus Database::unerase(Handle handle) {
+    std::uint32_t slot = slotOf(handle);
+    if (slot == kNoSlot) return OpenStatus::NotFound;
+    if (!(slots_[slot].flags & kErased)) return OpenStatus::Ok;
+    UndoJournal::State before = stateOf(slot), after = before;
+    after.flags &= static_cast<std::uint8_t>(~kErased);
+    setState(slot, after);
+    journal_.record(slot, before, after);
+    return OpenStatus::Ok;
+}
+
+// --- Blocks -----------------------------------------------------------------------------------
+
+Handle Database::blockId(int index) const {
+    const BlockEntry& entry = blocks_[static_cast<std::size_t>(index)];
+    if (entry.record != kNoSlot) return slots_[entry.record].handle;
+    return entry.begin == kNoSlot ? kNoHandle : slots_[entry.begin].handle;
+}
+
+int Database::blockIndexOf(Handle block) const {
+    auto it = blockIds_.find(block);
+    if (it == blockIds_.end()) return -1;
+    const BlockEntry& entry = blocks_[static_cast<std::size_t>(it->second)];
+    if (entry.begin != kNoSlot && (slots_[entry.begin].flags & kErased)) return -1;
+    return it->second;
+}
+
+Handle Database::modelSpace() const { return blockId(modelSpace_); }
+Handle Database::paperSpace() const { return blockId(paperSpace_); }
+
+Handle Database::findBlock(std::string_view name) const {
+    for (std::size_t b = 0; b < blocks_.size(); ++b) {
+        if (!sameName(blocks_[b].name, name)) continue;
+        Handle id = blockId(static_cast<int>(b));
+        if (blockIndexOf(id) >= 0) return id;
+    }
+    return kNoHandle;
+}
+
+std::vector<Handle> Database::blocks() const {
+    std::vector<Handle> out;
+    for (std::size_t b = 0; b < blocks_.size(); ++b) {
+        Handle id = blockId(static_cast<int>(b));
+        if (blockIndexOf(id) >= 0) out.push_back(id);
+    }
+    return out;
+}
+
+std::string Database::blockName(Handle block) const {
+    int b = blockIndexOf(block);
+    return b < 0 ? std::string() : blocks_[static_cast<std::size_t>(b)].name;
+}
+
+Handle Database::blockBegin(Handle block) const {
+    int b = blockIndexOf(block);
+    if (b < 0) return kNoHandle;
+    std::uint32_t begin = blocks_[static_cast<std::size_t>(b)].begin;
+    return begin == kNoSlot ? kNoHandle : slots_[begin].handle;
+}
+
+std::vector<Handle> Database::entitiesOf(Handle block) const {
+    std::vector<Handle> out;
+    int b = blockIndexOf(block);
+    if (b < 0) return out;
+    const auto& members = blocks_[static_cast<std::size_t>(b)].members;
+    out.reserve(members.size());
+    for (std::uint32_t slot : members)
+        if (!(slots_[slot].flags & kErased)) out.push_back(slots_[slot].handle);
+    return out;
+}
+
+Handle Database::blockOf(Handle entity) const {
+    std::uint32_t slot = slotOf(entity);
+    if (slot == kNoSlot) return kNoHandle;
+    const Slot& s = slots_[slot];
+    if ((s.section != Section::Entities && s.section != Section::Blocks) || s.container == kNoSlot) return kNoHandle;
+    std::string_view type = types_[s.type];
+    if (type == "BLOCK" || type == "ENDBLK") return kNoHandle;
+    return blockId(static_cast<int>(s.container));
+}
+
+// Puts the handle right after the type and, in 2000+ drawings, the owner after the handle and any
+// application groups that follow it.
+static void setIdentity(TagList& tags, Handle handle, int handleCode, Handle owner, bool withOwner) {
+    if (tags.size() > 1 && (tags[1].code == gc::kHandle || tags[1].code == gc::kDimStyleHandle)) tags[1].value = formatHandle(handle);
+    else tags.insert(1, handleCode, formatHandle(handle));
+    if (!withOwner) return;
+    std::size_t at = 2;
+    while (at < tags.size() && tags[at].code == gc::kControlString) {
+        std::size_t close = tags.find(gc::kControlString, kGroupEnd, at + 1);
+        if (close == TagList::npos) break;
+        at = close + 1;
+    }
+    if (at < tags.size() && tags[at].code == gc::kSoftPointer) tags[at].value = formatHandle(owner);
+    else tags.insert(at, gc::kSoftPointer, formatHandle(owner));
+}
+
+Result<Handle> Database::appendEntity(Handle block, TagList tags) {
+    int b = blockIndexOf(block);
+    if (b < 0) return dxf::makeError(name() + ": cannot add an entity: no block " + formatHandle(block));
+    BlockEntry& entry = blocks_[static_cast<std::size_t>(b)];
+    if (entry.anchor == kNoSlot) return dxf::makeError(name() + ": cannot add an entity: the drawing has no ENTITIES section");
+    if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
+    Handle handle = allocateHandle();
+    setIdentity(tags, handle, gc::kHandle, block, !r12_);
+    if (entry.paper && entry.inEntitiesSection) tags.setIn("AcDbEntity", gc::kPaperSpace, "1");
+    Slot slot;
+    slot.handle = handle;
+    slot.section = entry.inEntitiesSection ? Section::Entities : Section::Blocks;
+    slot.container = static_cast<std::uint32_t>(b);
+    std::uint32_t index = create(slot, entry.anchor, tags);
+    blocks_[static_cast<std::size_t>(b)].members.push_back(index);
+    return handle;
+}
+
+Result<Handle> Database::addBlock(std::string_view blockName, const Point3& base) {
+    if (findBlock(blockName) != kNoHandle) return dxf::makeError("a block named \"" + std::string(blockName) + "\" exists already");
+    std::uint32_t anchor = sectionEnd_[static_cast<int>(Section::Blocks)];
+    if (anchor == kNoSlot) return dxf::makeError(name() + ": cannot add a block: the drawing has no BLOCKS section");
+    Handle record = kNoHandle;
+    if (!r12_) {
+        TagList rec{{0, "BLOCK_RECORD"}, {100, "AcDbSymbolTableRecord"}, {100, "AcDbBlockTableRecord"}, {2, std::string(blockName)},
+                    {340, "0"}, {70, "0"}, {280, "1"}, {281, "0"}};
+        auto added = addRecord("BLOCK_RECORD", std::move(rec));
+        if (!added) return added.error();
+        record = *added;
+    }
+    BlockEntry entry;
+    entry.name = std::string(blockName);
+    entry.record = record == kNoHandle ? kNoSlot : slotOf(record);
+    auto index = static_cast<std::uint32_t>(blocks_.size());
+    TagList begin{{0, "BLOCK"}};
+    if (!r12_) begin.add(100, "AcDbEntity");
+    begin.add(8, "0");
+    if (!r12_) begin.add(100, "AcDbBlockBegin");
+    begin.add(2, std::string(blockName));
+    begin.add(70, "0");
+    begin.addPoint(10, base);
+    begin.add(3, std::string(blockName));
+    begin.add(1, "");
+    Slot slot;
+    slot.handle = allocateHandle();
+    slot.section = Section::Blocks;
+    slot.container = index;
+    setIdentity(begin, slot.handle, gc::kHandle, record, !r12_);
+    entry.begin = create(slot, anchor, begin);
+    TagList end{{0, "ENDBLK"}};
+    if (!r12_) end.add(100, "AcDbEntity");
+    end.add(8, "0");
+    if (!r12_) end.add(100, "AcDbBlockEnd");
+    slot.handle = allocateHandle();
+    setIdentity(end, slot.handle, gc::kHandle, record, !r12_);
+    entry.end = entry.anchor = create(slot, anchor, end);
+    blocks_.push_back(std::move(entry));
+    Handle id = blockId(static_cast<int>(index));
+    blockIds_[id] = static_cast<int>(index);
+    return id;
+}
+
+// --- Tables -----------------------------------------------------------------------------------
+
+int Database::tableIndexOf(std::string_view table) const {
+    for (std::size_t t = 0; t < tables_.size(); ++t)
+        if (sameName(tables_[t].name, table)) return static_cast<int>(t);
+    return -1;
+}
+
+bool Database::hasTable(std::string_view table) const { return tableIndexOf(table) >= 0; }
+
+Handle Database::tableHandle(std::string_view table) const {
+    int t = tableIndexOf(table);
+    return t < 0 ? kNoHandle : slots_[tables_[static_cast<std::size_t>(t)].head].handle;
+}
+
+std::vector<Handle> Database::records(std::string_view table) const {
+    std::vector<Handle> out;
+    int t = tableIndexOf(table);
+    if (t < 0) return out;
+    for (std::uint32_t slot : tables_[static_cast<std::size_t>(t)].records)
+        if (!(slots_[slot].flags & kErased)) out.push_back(slots_[slot].handle);
+    return out;
+}
+
+Handle Database::findRecord(std::string_view table, std::string_view recordName) const {
+    int t = tableIndexOf(table);
+    if (t < 0) return kNoHandle;
+    for (std::uint32_t slot : tables_[static_cast<std::size_t>(t)].records)
+        if (!(slots_[slot].flags & kErased) && sameName(dxf::trimSpaces(nameOf(slot)), recordName)) return slots_[slot].handle;
+    return kNoHandle;
+}
+
+Result<Handle> Database::addRecord(std::string_view table, TagList tags) {
+    int t = tableIndexOf(table);
+    if (t < 0) return dxf::makeError(name() + ": the drawing has no " + std::string(table) + " table");
+    if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("a table record must start with its type (group code 0)");
+    auto recordName = tags.text(gc::kName);
+    if (recordName && findRecord(table, *recordName) != kNoHandle)
+        return dxf::makeError("the " + std::string(table) + " table has a record named \"" + std::string(*recordName) + "\" already");
+    TableEntry& entry = tables_[static_cast<std::size_t>(t)];
+    Slot slot;
+    slot.handle = allocateHandle();
+    slot.section = Section::Tables;
+    slot.container = static_cast<std::uint32_t>(t);
+    int handleCode = sameName(table, "DIMSTYLE") ? gc::kDimStyleHandle : gc::kHandle;
+    setIdentity(tags, slot.handle, handleCode, slots_[entry.head].handle, !r12_);
+    std::uint32_t index = create(slot, entry.end, tags);
+    tables_[static_cast<std::size_t>(t)].records.push_back(index);
+    return slot.handle;
+}
+
+// --- Objects section --------------------------------------------------------------------------
+
+Result<Handle> Database::addObject(TagList tags) {
+    std::uint32_t anchor = sectionEnd_[static_cast<int>(Section::Objects)];
+    if (r12_ || anchor == kNoSlot)
+        return dxf::makeError(name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an object must start with its type (group code 0)");
+    Slot slot;
+    slot.handle = allocateHandle();
+    slot.section = Section::Objects;
+    if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(slot.handle);
+    else tags.insert(1, gc::kHandle, formatHandle(slot.handle));
+    create(slot, anchor, tags);
+    return slot.handle;
+}
+
+Handle Database::namedObjectsDictionary() const {
+    if (rootDictionary_ == kNoSlot || (slots_[rootDictionary_].flags & kErased)) return kNoHandle;
+    return slots_[rootDictionary_].handle;
+}
+
+std::optional<std::string> Database::headerVariable(std::string_view variable) const {
+    if (header_ == kNoSlot) return std::nullopt;
+    const Slot& s = slots_[header_];
+    for (std::uint32_t i = s.begin; i + 1 < s.begin + s.size; ++i)
+        if (file_->is(i, gc::kVariableName, variable)) return file_->text(i + 1);
+    return std::nullopt;
+}
+
+// --- Undo -------------------------------------------------------------------------------------
+
+bool Database::undo() {
+    if (!journal_.canUndo()) return false;
+    const auto& command = journal_.undoCommand();
+    const auto& changes = journal_.changes();
+    for (std::size_t i = command.last; i-- > command.first;) setState(changes[i].slot, changes[i].before);
+    journal_.markUndone();
+    return true;
+}
+
+bool Database::redo() {
+    if (!journal_.canRedo()) return false;
+    const auto& command = journal_.redoCommand();
+    const auto& changes = journal_.changes();
+    for (std::size_t i = command.first; i < command.last; ++i) setState(changes[i].slot, changes[i].after);
+    journal_.markRedone();
+    return true;
+}
+
+std::size_t Database::memoryBeyondFile() const {
+    std::size_t total = slots_.capacity() * sizeof(Slot) + arena_.memory() + handles_.memory();
+    for (const auto& [anchor, list] : anchored_) total += list.capacity() * sizeof(std::uint32_t) + 48;
+    for (const auto& block : blocks_) total += block.members.capacity() * sizeof(std::uint32_t) + sizeof(BlockEntry);
+    return total;
+}
+
+}  // namespace veltarn::db

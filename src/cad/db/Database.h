@@ -1,0 +1,233 @@
+// A drawing in memory, over the DXF file it was read from. Every object (table record, block,
+// entity, object, and the structure between them) is an index entry pointing at its tags in the
+// file; an object that is changed or created gets its tags in a compact owned blob instead. Saving
+// copies unchanged runs as bytes and writes owned objects tag by tag, so a drawing loaded and saved
+// without changes comes back byte for byte, and what the database does not model is kept as it is.
+#pragma once
+
+#include "cad/db/Handle.h"
+#include "cad/db/HandleIndex.h"
+#include "cad/db/TagArena.h"
+#include "cad/db/TagList.h"
+#include "cad/db/UndoJournal.h"
+#include "cad/dxf/OutputSink.h"
+#include "cad/dxf/Result.h"
+#include "cad/dxf/TagFile.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace veltarn::db {
+
+using dxf::Error;
+using dxf::Result;
+
+// Why an object could not be opened; distinct so that callers can tell erased from missing.
+enum class OpenStatus : std::uint8_t { Ok, NotFound, Erased, OnLockedLayer };
+const char* describe(OpenStatus status);
+
+enum class Section : std::uint8_t { None, Header, Classes, Tables, Blocks, Entities, Objects, Other };
+
+class Database;
+
+// An object opened for writing: its tags, written back when closed (or destroyed). An object
+// whose tags did not change stays as the file holds it.
+class ObjectWriter {
+public:
+    ObjectWriter(ObjectWriter&& other) noexcept;
+    ObjectWriter& operator=(ObjectWriter&&) = delete;
+    ~ObjectWriter() { close(); }
+
+    OpenStatus status() const { return status_; }
+    explicit operator bool() const { return status_ == OpenStatus::Ok; }
+    Handle handle() const { return handle_; }
+    TagList& tags() { return tags_; }
+    void close();
+
+private:
+    friend class Database;
+    ObjectWriter(Database* db, Handle handle, OpenStatus status, TagList tags);
+
+    Database* db_;
+    Handle handle_;
+    OpenStatus status_;
+    TagList tags_;
+    TagList original_;
+};
+
+class Database {
+public:
+    static constexpr std::uint32_t kNoSlot = 0xFFFFFFFFu;
+
+    static Result<Database> load(const std::filesystem::path& path);
+    static Result<Database> parse(std::string bytes, std::string name);
+    // A new, complete, empty 2018 drawing.
+    static Database createNew();
+
+    Database(Database&&) noexcept;
+    Database& operator=(Database&&) noexcept;
+    ~Database();
+
+    // Writes the drawing in the form, version and encoding it was read in.
+    Result<void> write(dxf::OutputSink& sink) const;
+    Result<void> save(const std::filesystem::path& path) const;
+    Result<std::string> toText() const;
+
+    const dxf::TagFile& file() const { return *file_; }
+    const std::string& name() const { return file_->name(); }
+    // True for R12 (AC1009) drawings: no owners, subclass markers, dictionaries or xrecords.
+    bool isR12() const { return r12_; }
+    // Handles above every handle in the drawing start here ($HANDSEED as it will be saved).
+    Handle handleSeed() const { return nextHandle_; }
+
+    // --- Objects --------------------------------------------------------------------------
+    OpenStatus status(Handle handle) const;
+    bool exists(Handle handle) const { return status(handle) == OpenStatus::Ok; }
+    // The DXF type ("LINE", "DICTIONARY", "LAYER"...); empty for an unknown handle.
+    std::string_view typeName(Handle handle) const;
+    Section sectionOf(Handle handle) const;
+    // The object's own tags (for POLYLINE and INSERT, with their VERTEX/ATTRIB and SEQEND).
+    OpenStatus read(Handle handle, TagList& out) const;
+    TagList tags(Handle handle) const;
+    // Opens for write; an entity on a locked layer gives OnLockedLayer unless `evenIfLocked`.
+    ObjectWriter openForWrite(Handle handle, bool evenIfLocked = false);
+    // Replaces an object's tags whole (what ObjectWriter::close does).
+    OpenStatus replace(Handle handle, const TagList& tags);
+    // The owner link: the first 330 outside application groups (entities: their block record).
+    Handle ownerOf(Handle handle) const;
+
+    Handle allocateHandle() { return nextHandle_++; }
+    // Removes an object from what is saved. Erasing an erased object fails with Erased. Does not
+    // touch references to it: see `eraseEntity` and `eraseObject` for the cleaning variants.
+    OpenStatus erase(Handle handle);
+    // Erasing undone, for undo-free callers (explode of a failed step); Ok when it was erased.
+    OpenStatus unerase(Handle handle);
+
+    // --- Blocks and entities ----------------------------------------------------------------
+    // A block is named by its BLOCK_RECORD handle (R12: its BLOCK entity's handle).
+    Handle modelSpace() const;
+    Handle paperSpace() const;
+    Handle findBlock(std::string_view name) const;  // case-insensitive; kNoHandle when absent
+    std::vector<Handle> blocks() const;
+    std::string blockName(Handle block) const;
+    // The handle of the BLOCK entity of a block (for its base point, flags and description).
+    Handle blockBegin(Handle block) const;
+    // The entities of a block in file order, then in the order they were added; erased ones left out.
+    std::vector<Handle> entitiesOf(Handle block) const;
+    // The block an entity lies in; kNoHandle for a non-entity.
+    Handle blockOf(Handle entity) const;
+    // Adds an entity at the end of a block. `tags` starts with its "0" type; the handle (5) and,
+    // in 2000+ drawings, the owner (330) are set here. Fails on an unknown block.
+    Result<Handle> appendEntity(Handle block, TagList tags);
+    // Creates a block (record, BLOCK and ENDBLK). Fails when the name is taken.
+    Result<Handle> addBlock(std::string_view name, const Point3& base = {});
+
+    // --- Tables ----------------------------------------------------------------------------
+    // Table names as DXF writes them: "LAYER", "LTYPE", "STYLE", "DIMSTYLE", "BLOCK_RECORD"...
+    bool hasTable(std::string_view table) const;
+    Handle tableHandle(std::string_view table) const;
+    std::vector<Handle> records(std::string_view table) const;
+    Handle findRecord(std::string_view table, std::string_view name) const;  // case-insensitive
+    // Adds a table record: `tags` starts with its "0" type; handle and owner are set here.
+    Result<Handle> addRecord(std::string_view table, TagList tags);
+
+    // --- Objects section ----------------------------------------------------------------------
+    // Adds an object at the end of the OBJECTS section; fails in R12 drawings, which have none.
+    Result<Handle> addObject(TagList tags);
+    // The root (named objects) dictionary; kNoHandle in R12 drawings.
+    Handle namedObjectsDictionary() const;
+
+    // --- Header ----------------------------------------------------------------------------
+    // The value of a header variable with one value tag ($CLAYER, $INSUNITS...).
+    std::optional<std::string> headerVariable(std::string_view name) const;
+
+    // --- Undo ------------------------------------------------------------------------------
+    UndoJournal& journal() { return journal_; }
+    const UndoJournal& journal() const { return journal_; }
+    void beginCommand(std::string name) { journal_.begin(std::move(name)); }
+    void endCommand() { journal_.end(); }
+    bool undo();
+    bool redo();
+
+    // Bytes held beyond the file: slots, owned blobs, index. For the benchmark.
+    std::size_t memoryBeyondFile() const;
+
+private:
+    friend class ObjectWriter;
+    friend class DatabaseLoader;
+    friend class DatabaseWriter;
+    friend void loadIndex(Database& db);
+
+    enum : std::uint8_t { kOwned = 1, kErased = 2, kStructure = 4, kPaperSpace = 8 };
+    struct Slot {
+        Handle handle = kNoHandle;
+        std::uint32_t begin = 0;  // first tag in the file, or arena offset when owned
+        std::uint32_t size = 0;   // tag count, or blob bytes when owned
+        std::uint32_t container = kNoSlot;  // entities: block index; records: table index
+        std::uint16_t type = 0;   // index into types_
+        std::uint8_t flags = 0;
+        Section section = Section::None;
+    };
+    struct BlockEntry {
+        std::string name;
+        std::uint32_t begin = kNoSlot, end = kNoSlot, record = kNoSlot;
+        std::uint32_t anchor = kNoSlot;  // new entities are written before this slot
+        bool inEntitiesSection = false;  // model space and the active paper space
+        bool paper = false;
+        std::vector<std::uint32_t> members;
+    };
+    struct TableEntry {
+        std::string name;
+        std::uint32_t head = kNoSlot, end = kNoSlot;
+        std::vector<std::uint32_t> records;
+    };
+
+    Database();
+    std::uint32_t slotOf(Handle handle) const;
+    std::uint16_t internType(std::string_view type);
+    std::uint32_t addSlot(Slot slot, std::uint32_t anchor);
+    void storeOwned(std::uint32_t slot, const TagList& tags);
+    void setState(std::uint32_t slot, UndoJournal::State state);
+    UndoJournal::State stateOf(std::uint32_t slot) const;
+    void decodeSlot(const Slot& slot, TagList& out) const;
+    void registerSubHandles(std::uint32_t slot, const TagList& tags);
+    int blockIndexOf(Handle block) const;
+    Handle blockId(int index) const;
+    std::uint32_t create(Slot slot, std::uint32_t anchor, TagList& tags);
+    std::string nameOf(std::uint32_t slot) const;
+    int tableIndexOf(std::string_view table) const;
+    bool onLockedLayer(const TagList& tags) const;
+
+    std::unique_ptr<dxf::TagFile> file_;
+    std::vector<Slot> slots_;
+    std::uint32_t fileSlots_ = 0;  // slots [0, fileSlots_) are the file in order
+    std::vector<std::string> types_;
+    std::unordered_map<std::string, std::uint16_t> typeIds_;
+    HandleIndex handles_;
+    TagArena arena_;
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> anchored_;
+    std::vector<BlockEntry> blocks_;
+    std::vector<TableEntry> tables_;
+    int modelSpace_ = -1, paperSpace_ = -1;
+    std::uint32_t header_ = kNoSlot;
+    std::uint32_t seedTag_ = kNoSlot;  // file tag holding the $HANDSEED value
+    std::uint32_t sectionEnd_[8] = {kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot};
+    std::uint32_t rootDictionary_ = kNoSlot;
+    Handle nextHandle_ = 1;
+    Handle fileSeed_ = 1;    // nextHandle_ right after loading
+    Handle headerSeed_ = 0;  // $HANDSEED as the file holds it
+    Handle minSeed_ = 1;     // one above the highest handle the file holds
+    std::unordered_map<Handle, int> blockIds_;
+    bool r12_ = false;
+    UndoJournal journal_;
+};
+
+// Case-insensitive comparison of names (ASCII letters), as DXF compares symbol names.
+bool sameName(std::string_view a, std::string_view b);
+std::string upperName(std::string_view name);
+
+}  // namespace veltarn::db

@@ -1,0 +1,82 @@
+// Writes a drawing: runs of unchanged objects are copied from the file as bytes, owned objects are
+// written tag by tag, erased ones are left out, and new objects go before the structure they were
+// added in front of (the ENDSEC, ENDTAB or ENDBLK that closes their section, table or block).
+#include "cad/db/Database.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/dxf/TagWriter.h"
+
+namespace veltarn::db {
+
+class DatabaseWriter {
+public:
+    DatabaseWriter(const Database& db, dxf::OutputSink& sink)
+        : db_(db), file_(*db.file_), writer_(sink, dxf::WriteFormat::of(*db.file_)) {}
+
+    Result<void> run() {
+        Handle seed = db_.nextHandle_ > db_.fileSeed_ ? db_.nextHandle_ : db_.minSeed_;
+        rewriteSeed_ = db_.seedTag_ != Database::kNoSlot && seed > db_.headerSeed_;
+        seed_ = seed;
+        writer_.begin();
+        for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) emit(s);
+        flush();
+        if (file_.missingEof()) {
+            std::string_view bytes = file_.bytes();
+            if (file_.form() == dxf::FileForm::Ascii && !bytes.empty() && bytes.back() != '\n') writer_.writeBytes(file_.lineEnd());
+            writer_.write(gc::kStructure, "EOF");
+        } else {
+            writer_.writeBytes(file_.trailer());
+        }
+        return writer_.status();
+    }
+
+private:
+    void emit(std::uint32_t s) {
+        if (auto it = db_.anchored_.find(s); it != db_.anchored_.end())
+            for (std::uint32_t added : it->second) emit(added);
+        const Database::Slot& slot = db_.slots_[s];
+        if (slot.flags & Database::kErased) return;
+        if (slot.flags & Database::kOwned) {
+            flush();
+            TagList tags = TagList::decode(db_.arena_.at(slot.begin, slot.size));
+            for (const TagValue& tag : tags) writer_.write(tag.code, tag.value);
+            return;
+        }
+        if (s == db_.header_ && rewriteSeed_) {
+            flush();
+            writer_.copy(file_, slot.begin, db_.seedTag_);
+            writer_.write(gc::kHandle, formatHandle(seed_));
+            writer_.copy(file_, db_.seedTag_ + 1, slot.begin + slot.size);
+            return;
+        }
+        if (slot.size == 0) return;
+        if (runEnd_ != slot.begin) flush();
+        if (runBegin_ == runEnd_) runBegin_ = slot.begin;
+        runEnd_ = slot.begin + slot.size;
+    }
+
+    void flush() {
+        if (runBegin_ != runEnd_) writer_.copy(file_, runBegin_, runEnd_);
+        runBegin_ = runEnd_ = 0;
+    }
+
+    const Database& db_;
+    const dxf::TagFile& file_;
+    dxf::TagWriter writer_;
+    std::uint32_t runBegin_ = 0, runEnd_ = 0;
+    bool rewriteSeed_ = false;
+    Handle seed_ = 0;
+};
+
+Result<void> Database::write(dxf::OutputSink& sink) const { return DatabaseWriter(*this, sink).run(); }
+
+Result<void> Database::save(const std::filesystem::path& path) const {
+    return dxf::saveAtomically(path, [&](dxf::OutputSink& sink) { return write(sink); });
+}
+
+Result<std::string> Database::toText() const {
+    dxf::StringSink sink;
+    if (auto written = write(sink); !written) return written.error();
+    return sink.take();
+}
+
+}  // namespace veltarn::db

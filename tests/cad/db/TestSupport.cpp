@@ -1,0 +1,79 @@
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <sys/wait.h>
+
+namespace veltarn::db::test {
+
+std::filesystem::path scratchDir(const std::string& name) {
+    auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db" / name;
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    return dir;
+}
+
+std::filesystem::path toolsDir() {
+    auto dir = std::filesystem::path(VELTARN_SOURCE_DIR) / ".." / "shared" / "tools";
+    return std::filesystem::exists(dir / "audit_dxf.py") ? dir : std::filesystem::path();
+}
+
+bool haveChecker() { return !toolsDir().empty() && std::filesystem::exists("/usr/bin/python3"); }
+
+int runPython(const std::string& arguments, std::string* output) {
+    std::string command = "/usr/bin/python3 " + arguments + " 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (!pipe) return -1;
+    std::array<char, 4096> buffer;
+    std::string text;
+    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe)) text.append(buffer.data(), n);
+    int status = ::pclose(pipe);
+    if (output) *output = text;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string audit(const std::filesystem::path& file) {
+    std::string output;
+    int code = runPython((toolsDir() / "audit_dxf.py").string() + " '" + file.string() + "'", &output);
+    if (code == 0) return {};
+    return output.empty() ? "auditor exit code " + std::to_string(code) : output;
+}
+
+std::filesystem::path generated(const std::string& name, const std::string& arguments) {
+    auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db-generated";
+    std::filesystem::create_directories(dir);
+    auto file = dir / name;
+    if (!std::filesystem::exists(file)) {
+        std::string output;
+        auto partial = dir / (name + ".part");
+        int code = runPython((toolsDir() / "gen_dxf.py").string() + " " + arguments + " '" + partial.string() + "'", &output);
+        if (code != 0) {
+            ADD_FAILURE() << "gen_dxf.py failed: " << output;
+            return {};
+        }
+        std::filesystem::rename(partial, file);
+    }
+    return file;
+}
+
+Database loadOrFail(const std::filesystem::path& file) {
+    auto db = Database::load(file);
+    if (!db) {
+        ADD_FAILURE() << db.message();
+        return Database::createNew();
+    }
+    return std::move(db).value();
+}
+
+Database parseOrFail(const std::string& text) {
+    auto db = Database::parse(text, "test.dxf");
+    if (!db) {
+        ADD_FAILURE() << db.message();
+        return Database::createNew();
+    }
+    return std::move(db).value();
+}
+
+}  // namespace veltarn::db::test
