@@ -1,0 +1,59 @@
+// The module's 28 commands: names, registration order and flags.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "host/CommandFlags.h"
+
+namespace veltarn {
+
+inline constexpr std::wstring_view kCommandGroup = L"VELTARN";
+
+// Every command may take the pick-first set, keeps it, and is refused in paper space.
+inline constexpr int kCommandFlags =
+    host::CommandFlags::kUsePickSet | host::CommandFlags::kRedraw | host::CommandFlags::kNoPaperSpace;
+static_assert(kCommandFlags == 70);
+
+struct CommandEntry {
+    std::wstring_view name;  // global name; the local name is the same
+    // Stops with "Error: no file loaded.\n" when no classifier is loaded.
+    bool needsClassifier;
+};
+
+// In registration order: the order is part of the interface (the host lists commands this way).
+inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
+    {L"VELTARN_CLASSIFY", true},
+    {L"VELTARN_CLASSIFY_AUTO", true},
+    {L"VELTARN_DRAW", true},
+    {L"VELTARN_GUI", false},
+    {L"VELTARN_PROPERTIES", false},
+    {L"VELTARN_LOAD", false},
+    {L"VELTARN_RESTORE", true},
+    {L"VELTARN_RELOAD", false},
+    {L"VELTARN_REMOVE", true},
+    {L"VELTARN_REMOVE_ALL", true},
+    {L"VELTARN_SEL", true},
+    {L"VELTARN_SEL_CLASS", true},
+    {L"VELTARN_SEL_EXT", true},
+    {L"VELTARN_SEL_ALL", true},
+    {L"VELTARN_SEL_NULL", true},
+    {L"VELTARN_ASSERT", true},
+    {L"VELTARN_SORT", true},
+    {L"VELTARN_SEL_CLASSIFIED", true},
+    {L"VELTARN_SEL_DUPLICATES", false},
+    {L"VELTARN_DEL_DUPLICATES", false},
+    {L"VELTARN_ROUND", true},
+    {L"VELTARN_TEMPLATE", false},
+    {L"VELTARN_TYPE", false},
+    {L"VELTARN_STAT", true},
+    {L"VELTARN_ABOUT", false},
+    {L"VELTARN_IMPL_INSRT", true},
+    {L"VELTARN_IMPL_TXT", true},
+    {L"VELTARN_IMPL_MTXT", true},
+}};
+
+// The index of `name` (global name, any case) in the table; -1 when it is none of ours.
+int commandIndex(std::wstring_view name);
+
+}  // namespace veltarn

@@ -1,0 +1,10 @@
+#include "app/ModuleState.h"
+
+namespace veltarn {
+
+ModuleState& moduleState() {
+    static ModuleState state;
+    return state;
+}
+
+}  // namespace veltarn

@@ -1,0 +1,29 @@
+// The module-wide objects: one of each per process, all empty until a command creates them.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/PaletteSet.h"
+#include "classifier/Classifier.h"
+
+namespace veltarn {
+
+struct ModuleState {
+    // The loaded classifier, replaced whole by every load or reload; null before the first load.
+    std::unique_ptr<Classifier> classifier;
+    // Full path of the last classifier file chosen; kept after the classifier is gone.
+    std::wstring classifierPath;
+    // Frees a separate resource library. Nothing in the module sets one (its texts are built in),
+    // but unloading honours the slot so that a host which does set it gets it freed.
+    std::function<void()> freeResourceLibrary;
+    // Created by VELTARN_GUI and VELTARN_PROPERTIES on first use; ended at unload.
+    std::unique_ptr<ClassificationPaletteSet> paletteSet;
+    std::unique_ptr<PaletteSet> propertiesPaletteSet;
+};
+
+// The one state of this process. Commands reach it here; tests build their own ModuleState.
+ModuleState& moduleState();
+
+}  // namespace veltarn

@@ -1,0 +1,204 @@
+#include "app/CVeltarnApp.h"
+#include "app/ModuleEntry.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "TestHost.h"
+#include "host/Utf8.h"
+
+using namespace veltarn;
+using veltarn::testing::TestHost;
+namespace fs = std::filesystem;
+
+namespace {
+
+// A palette set whose pages write their lists as real files and which logs what happens to it.
+class FilePaletteSet : public ClassificationPaletteSet {
+public:
+    FilePaletteSet(std::vector<std::wstring>& log, bool recentPage, bool favoritesPage)
+        : log_(log), recentPage_(recentPage), favoritesPage_(favoritesPage) {}
+    bool hasRecentPage() const override { return recentPage_; }
+    bool hasFavoritesPage() const override { return favoritesPage_; }
+    void saveRecent(const std::wstring& path) override { write(path, L"recent"); }
+    void saveFavorites(const std::wstring& path) override { write(path, L"favorites"); }
+    void destroyWindow() override { log_.push_back(L"destroy palette set"); }
+
+private:
+    void write(const std::wstring& path, const std::wstring& what) {
+        std::ofstream(host::toUtf8(path)) << "Road\t0\n";
+        log_.push_back(L"save " + what);
+    }
+    std::vector<std::wstring>& log_;
+    bool recentPage_, favoritesPage_;
+};
+
+class PropertiesPaletteSet : public PaletteSet {
+public:
+    explicit PropertiesPaletteSet(std::vector<std::wstring>& log) : log_(log) {}
+    void destroyWindow() override { log_.push_back(L"destroy properties set"); }
+
+private:
+    std::vector<std::wstring>& log_;
+};
+
+class CVeltarnAppTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() / ("veltarn_app_" + std::to_string(::getpid()));
+        fs::create_directories(dir_);
+        classifierPath_ = host::fromUtf8((dir_ / "roads.txt").string());
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    bool listFilesExist() const {
+        return fs::exists(host::toUtf8(classifierPath_ + L".recent")) ||
+               fs::exists(host::toUtf8(classifierPath_ + L".favorites"));
+    }
+    void loadClassifier() {
+        state_.classifier = std::make_unique<Classifier>(classifierPath_);
+        state_.classifierPath = classifierPath_;
+    }
+
+    TestHost host_;
+    ModuleState state_;
+    CVeltarnApp app_{host_, state_};
+    std::vector<std::wstring> log_;
+    fs::path dir_;
+    std::wstring classifierPath_;
+};
+
+TEST_F(CVeltarnAppTest, initRegistersTheSampleGroupThenTheModulesCommandsInTableOrderWithFlags70) {
+    ASSERT_EQ(app_.On_kInitAppMsg(), AppResult::kRetOK);
+    const std::vector<std::wstring> expected = {
+        L"VELTARN_CLASSIFY", L"VELTARN_CLASSIFY_AUTO", L"VELTARN_DRAW", L"VELTARN_GUI", L"VELTARN_PROPERTIES",
+        L"VELTARN_LOAD", L"VELTARN_RESTORE", L"VELTARN_RELOAD", L"VELTARN_REMOVE", L"VELTARN_REMOVE_ALL",
+        L"VELTARN_SEL", L"VELTARN_SEL_CLASS", L"VELTARN_SEL_EXT", L"VELTARN_SEL_ALL", L"VELTARN_SEL_NULL",
+        L"VELTARN_ASSERT", L"VELTARN_SORT", L"VELTARN_SEL_CLASSIFIED", L"VELTARN_SEL_DUPLICATES",
+        L"VELTARN_DEL_DUPLICATES", L"VELTARN_ROUND", L"VELTARN_TEMPLATE", L"VELTARN_TYPE", L"VELTARN_STAT",
+        L"VELTARN_ABOUT", L"VELTARN_IMPL_INSRT", L"VELTARN_IMPL_TXT", L"VELTARN_IMPL_MTXT"};
+    const auto& commands = host_.commands.commands;
+    ASSERT_EQ(commands.size(), 3 + expected.size());
+
+    EXPECT_EQ(commands[0].globalName, L"MyCommand");
+    EXPECT_EQ(commands[0].localName, L"MyCommandLocal");
+    EXPECT_EQ(commands[0].flags, 0);
+    EXPECT_EQ(commands[1].globalName, L"MyPickFirst");
+    EXPECT_EQ(commands[1].localName, L"MyPickFirstLocal");
+    EXPECT_EQ(commands[1].flags, 2);
+    EXPECT_EQ(commands[2].globalName, L"MySessionCmd");
+    EXPECT_EQ(commands[2].localName, L"MySessionCmdLocal");
+    EXPECT_EQ(commands[2].flags, 0x200000);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(commands[i].group, L"MyGroup");
+
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const auto& c = commands[3 + i];
+        EXPECT_EQ(c.group, L"VELTARN");
+        EXPECT_EQ(c.globalName, expected[i]);
+        EXPECT_EQ(c.localName, expected[i]);
+        EXPECT_EQ(c.flags, 70) << c.globalName;
+    }
+}
+
+TEST_F(CVeltarnAppTest, unbuiltCommandsSayWhyTheyDoNothing) {
+    app_.On_kInitAppMsg();
+    host_.commands.run(L"veltarn_classify");
+    EXPECT_EQ(host_.testEditor.output, L"Error: no file loaded.\n");
+
+    host_.testEditor.output.clear();
+    host_.commands.run(L"VELTARN_GUI");
+    EXPECT_EQ(host_.testEditor.output, L"Error: 'VELTARN_GUI' is not available yet.\n");
+
+    // With a classifier the same command gets past the check and says it is not built.
+    loadClassifier();
+    host_.testEditor.output.clear();
+    host_.commands.run(L"VELTARN_CLASSIFY");
+    EXPECT_EQ(host_.testEditor.output, L"Error: 'VELTARN_CLASSIFY' is not available yet.\n");
+}
+
+TEST_F(CVeltarnAppTest, aConnectedHandlerRunsInsteadAndDoesItsOwnChecks) {
+    int runs = 0;
+    EXPECT_TRUE(app_.setHandler(L"veltarn_draw", [&] { ++runs; }));
+    EXPECT_FALSE(app_.setHandler(L"VELTARN_NOSUCH", [] {}));
+    app_.On_kInitAppMsg();
+    host_.commands.run(L"VELTARN_DRAW");
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(host_.testEditor.output, L"");
+}
+
+TEST_F(CVeltarnAppTest, sampleCommandsAndLispFunctionBehaveAsTheTemplateDefinesThem) {
+    app_.On_kInitAppMsg();
+    EXPECT_TRUE(host_.commands.run(L"MyPickFirstLocal"));
+    ASSERT_EQ(host_.testEditor.selections.size(), 1u);
+    EXPECT_EQ(host_.testEditor.selections[0], host::SelectionMode::kImplied);
+    EXPECT_TRUE(host_.commands.run(L"MyCommand"));
+    EXPECT_TRUE(host_.commands.run(L"MySessionCmd"));
+    EXPECT_EQ(host_.testEditor.output, L"");
+
+    EXPECT_EQ(host_.commands.functions.count(L"MyLispFunction"), 0u);  // defined per document
+    app_.dispatch(AppMessage::kLoadDwg);
+    ASSERT_EQ(host_.commands.functions.count(L"MyLispFunction"), 1u);
+    host::ResultBuffer result;
+    EXPECT_EQ(host_.commands.functions[L"MyLispFunction"]({}, result), host::PromptStatus::kNormal);
+    EXPECT_TRUE(result.empty());  // nil
+    app_.dispatch(AppMessage::kUnloadDwg);
+    EXPECT_EQ(host_.commands.functions.count(L"MyLispFunction"), 0u);
+}
+
+TEST_F(CVeltarnAppTest, unloadTearsDownInOrderAndSavesListsBesideTheClassifier) {
+    app_.On_kInitAppMsg();
+    loadClassifier();
+    state_.paletteSet = std::make_unique<FilePaletteSet>(log_, true, true);
+    state_.propertiesPaletteSet = std::make_unique<PropertiesPaletteSet>(log_);
+    state_.freeResourceLibrary = [&] { log_.push_back(L"free resource library"); };
+
+    EXPECT_EQ(app_.On_kUnloadAppMsg(), AppResult::kRetOK);
+    const std::vector<std::wstring> expected = {L"save favorites", L"save recent", L"destroy palette set",
+                                                L"destroy properties set", L"free resource library"};
+    EXPECT_EQ(log_, expected);
+    EXPECT_TRUE(fs::exists(host::toUtf8(classifierPath_ + L".favorites")));
+    EXPECT_TRUE(fs::exists(host::toUtf8(classifierPath_ + L".recent")));
+    EXPECT_FALSE(state_.paletteSet || state_.propertiesPaletteSet || state_.classifier || state_.freeResourceLibrary);
+    EXPECT_EQ(host_.commands.removedGroups, (std::vector<std::wstring>{L"VELTARN", L"MyGroup"}));
+    EXPECT_TRUE(host_.commands.commands.empty());
+}
+
+TEST_F(CVeltarnAppTest, unloadWithoutClassifierWritesNoListsEvenWithPalettes) {
+    state_.paletteSet = std::make_unique<FilePaletteSet>(log_, true, true);
+    state_.classifierPath = classifierPath_;  // a path alone is not a loaded classifier
+    app_.On_kUnloadAppMsg();
+    EXPECT_FALSE(listFilesExist());
+    EXPECT_EQ(log_, std::vector<std::wstring>{L"destroy palette set"});
+}
+
+TEST_F(CVeltarnAppTest, unloadWithClassifierButNoPaletteSetWritesNoLists) {
+    loadClassifier();
+    app_.On_kUnloadAppMsg();
+    EXPECT_FALSE(listFilesExist());
+    EXPECT_FALSE(state_.classifier);
+}
+
+TEST_F(CVeltarnAppTest, unloadSavesOnlyThePagesThatExist) {
+    loadClassifier();
+    state_.paletteSet = std::make_unique<FilePaletteSet>(log_, true, false);
+    app_.On_kUnloadAppMsg();
+    EXPECT_TRUE(fs::exists(host::toUtf8(classifierPath_ + L".recent")));
+    EXPECT_FALSE(fs::exists(host::toUtf8(classifierPath_ + L".favorites")));
+}
+
+TEST(ModuleEntry, loadsOnceAndIgnoresMessagesWhenNotLoaded) {
+    TestHost host;
+    EXPECT_EQ(veltarnEntryPoint(AppMessage::kLoadDwg, host), AppResult::kRetOK);  // not loaded yet
+    EXPECT_TRUE(host.commands.functions.empty());
+    ASSERT_EQ(veltarnEntryPoint(AppMessage::kInitApp, host), AppResult::kRetOK);
+    EXPECT_NE(loadedApp(), nullptr);
+    EXPECT_EQ(veltarnEntryPoint(AppMessage::kInitApp, host), AppResult::kRetError);
+    EXPECT_EQ(host.commands.commands.size(), 31u);  // the refused second load registered nothing
+    EXPECT_EQ(veltarnEntryPoint(AppMessage::kUnloadApp, host), AppResult::kRetOK);
+    EXPECT_EQ(loadedApp(), nullptr);
+    EXPECT_TRUE(host.commands.commands.empty());
+}
+
+}  // namespace
