@@ -51,6 +51,9 @@ public:
     // The document that commands work on; null when no drawing is open.
     virtual Document* current() = 0;
 
+    // The open document whose drawing is `database`; null for a side database read from a file.
+    virtual Document* documentOf(const Database& database) = 0;
+
     // Queues `text` to the command line of `document`, to run after the current command ends, as if
     // typed ("\n" is Enter; character 3 cancels). `activate` makes the document current first;
     // `echo` shows the text on the command line.

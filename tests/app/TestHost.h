@@ -95,6 +95,7 @@ public:
 private:
     struct NoDocuments : host::Documents {
         host::Document* current() override { return nullptr; }
+        host::Document* documentOf(const host::Database&) override { return nullptr; }
         void sendStringToExecute(host::Document&, const std::wstring&, bool, bool, bool) override {}
         host::DocumentLock lock(host::Document&, host::LockMode) override { return {}; }
     } documents_;
