@@ -1,0 +1,99 @@
+#include "cad/db/ExtensionDictionary.h"
+
+#include "cad/db/Dictionary.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/dxf/NumberText.h"
+
+namespace veltarn::db {
+namespace {
+
+// The index of the `102 {ACAD_XDICTIONARY` tag, npos when there is none.
+std::size_t xdictionaryGroup(const TagList& tags) {
+    for (std::size_t i = 1; i < tags.size(); ++i) {
+        if (tags[i].code == gc::kSubclass || tags[i].code == gc::kStructure) break;
+        if (tags[i].code == gc::kControlString && dxf::trimSpaces(tags[i].value) == kXdictionaryGroup) return i;
+    }
+    return TagList::npos;
+}
+
+}  // namespace
+
+Handle extensionDictionary(const Database& db, Handle object) {
+    TagList tags;
+    if (db.read(object, tags) != OpenStatus::Ok) return kNoHandle;
+    std::size_t group = xdictionaryGroup(tags);
+    if (group == TagList::npos) return kNoHandle;
+    std::size_t at = tags.find(gc::kHardOwner, group + 1);
+    if (at == TagList::npos) return kNoHandle;
+    Handle dictionary = parseHandle(tags[at].value).value_or(kNoHandle);
+    return db.exists(dictionary) ? dictionary : kNoHandle;
+}
+
+Result<Handle> createExtensionDictionary(Database& db, Handle object) {
+    if (Handle existing = extensionDictionary(db, object); existing != kNoHandle) return existing;
+    if (db.status(object) != OpenStatus::Ok)
+        return dxf::makeError("cannot give object " + formatHandle(object) + " an extension dictionary: " + describe(db.status(object)));
+    auto dictionary = createDictionary(db, object, true);
+    if (!dictionary) return dictionary.error();
+    ObjectWriter writer = db.openForWrite(object, true);
+    TagList& tags = writer.tags();
+    // A stale group (pointing at an erased dictionary) is replaced.
+    if (std::size_t old = xdictionaryGroup(tags); old != TagList::npos) {
+        std::size_t close = tags.find(gc::kControlString, kGroupEnd, old + 1);
+        tags.erase(old, (close == TagList::npos ? old : close) - old + 1);
+    }
+    // After the handle and after a reactors group, as CAD programs write it.
+    std::size_t at = 1;
+    if (at < tags.size() && (tags[at].code == gc::kHandle || tags[at].code == gc::kDimStyleHandle)) ++at;
+    if (at < tags.size() && tags[at].code == gc::kControlString && dxf::trimSpaces(tags[at].value) == kReactorsGroup) {
+        std::size_t close = tags.find(gc::kControlString, kGroupEnd, at + 1);
+        if (close != TagList::npos) at = close + 1;
+    }
+    tags.insert(at, gc::kControlString, kXdictionaryGroup);
+    tags.insert(at + 1, gc::kHardOwner, formatHandle(*dictionary));
+    tags.insert(at + 2, gc::kControlString, kGroupEnd);
+    return *dictionary;
+}
+
+bool releaseExtensionDictionary(Database& db, Handle object) {
+    Handle dictionary = extensionDictionary(db, object);
+    if (dictionary == kNoHandle || !dictionaryEntries(db, dictionary).empty()) return false;
+    ObjectWriter writer = db.openForWrite(object, true);
+    if (!writer) return false;
+    TagList& tags = writer.tags();
+    std::size_t group = xdictionaryGroup(tags);
+    std::size_t close = tags.find(gc::kControlString, kGroupEnd, group + 1);
+    if (group == TagList::npos || close == TagList::npos) return false;
+    tags.erase(group, close - group + 1);
+    (void)db.erase(dictionary);
+    return true;
+}
+
+static void eraseOwned(Database& db, Handle object, int depth) {
+    if (depth > 64 || db.status(object) != OpenStatus::Ok) return;  // guards against ownership cycles in damaged files
+    if (Handle xdictionary = extensionDictionary(db, object); xdictionary != kNoHandle) eraseOwned(db, xdictionary, depth + 1);
+    if (isDictionaryType(db.typeName(object))) {
+        for (const auto& entry : dictionaryEntries(db, object))
+            if (db.ownerOf(entry.value) == object) eraseOwned(db, entry.value, depth + 1);
+    }
+    (void)db.erase(object);
+}
+
+OpenStatus eraseObject(Database& db, Handle object) {
+    OpenStatus status = db.status(object);
+    if (status != OpenStatus::Ok) return status;
+    Handle owner = db.ownerOf(object);
+    if (owner != kNoHandle && isDictionaryType(db.typeName(owner))) removeEntriesTo(db, owner, object);
+    if (owner != kNoHandle && extensionDictionary(db, owner) == object) {
+        // The owner's group must not point at an erased dictionary.
+        ObjectWriter writer = db.openForWrite(owner, true);
+        TagList& tags = writer.tags();
+        std::size_t group = xdictionaryGroup(tags);
+        std::size_t close = group == TagList::npos ? TagList::npos : tags.find(gc::kControlString, kGroupEnd, group + 1);
+        if (close != TagList::npos) tags.erase(group, close - group + 1);
+    }
+    eraseOwned(db, object, 0);
+    return OpenStatus::Ok;
+}
+
+}  // namespace veltarn::db

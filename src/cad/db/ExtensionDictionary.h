@@ -1,0 +1,23 @@
+// Extension dictionaries: the dictionary an object carries in its `102 {ACAD_XDICTIONARY` group,
+// owned by the object, where applications keep their data about it.
+#pragma once
+
+#include "cad/db/Database.h"
+
+namespace veltarn::db {
+
+// The object's extension dictionary; kNoHandle when it has none (or it was erased).
+Handle extensionDictionary(const Database& db, Handle object);
+// Creates the extension dictionary, or returns the one the object has. Fails on an object that
+// cannot be opened for write and in R12 drawings.
+Result<Handle> createExtensionDictionary(Database& db, Handle object);
+// Releases the extension dictionary when it is empty: the dictionary is erased and the group
+// removed. Returns false (and changes nothing) when it still holds entries or there is none.
+bool releaseExtensionDictionary(Database& db, Handle object);
+
+// Erases an entity or object and cleans what refers to it: its entry in an owning dictionary,
+// its extension dictionary with everything that dictionary owns, and (for a dictionary) the
+// objects it owns. Entities on locked layers are erased too; the caller checks the layer.
+OpenStatus eraseObject(Database& db, Handle object);
+
+}  // namespace veltarn::db
