@@ -1,7 +1,9 @@
 #include "data/FieldValue.h"
 
+#include "host/Format.h"
+#include "host/NumberRules.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -10,130 +12,8 @@ namespace veltarn {
 
 namespace {
 
-// ---- leading-number reading, as the Windows runtime's _wtoi/_wtof do it ----
-
-bool isBlank(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
-bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
-
-// Optional white space, optional sign, decimal digits; stops at the first other character.
-// No digits gives 0; values past 32 bits saturate at INT_MAX / INT_MIN as the runtime does.
-std::int32_t leadingInteger(std::wstring_view text) {
-    std::size_t i = 0;
-    while (i < text.size() && isBlank(text[i])) ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == L'+' || text[i] == L'-')) negative = text[i++] == L'-';
-    std::int64_t magnitude = 0;
-    constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-    for (; i < text.size() && isDigit(text[i]); ++i) {
-        magnitude = magnitude * 10 + (text[i] - L'0');
-        if (magnitude > kLimit) magnitude = kLimit + 1;  // saturated; keep consuming digits
-    }
-    if (negative) {
-        return magnitude >= kLimit ? std::numeric_limits<std::int32_t>::min()
-                                   : static_cast<std::int32_t>(-magnitude);
-    }
-    return magnitude >= kLimit ? std::numeric_limits<std::int32_t>::max()
-                               : static_cast<std::int32_t>(magnitude);
-}
-
-bool startsWithNoCase(std::wstring_view text, std::size_t at, std::string_view word) {
-    if (text.size() - at < word.size()) return false;
-    for (std::size_t k = 0; k < word.size(); ++k) {
-        wchar_t c = text[at + k];
-        if (c >= L'A' && c <= L'Z') c = c - L'A' + L'a';
-        if (c != static_cast<wchar_t>(word[k])) return false;
-    }
-    return true;
-}
-
-// For a number text that from_chars found out of range: too large (true) or too small (false).
-bool isTooLarge(std::string_view number, bool hex) {
-    std::size_t exponentAt = number.find_first_of(hex ? "pP" : "eE");
-    std::string_view mantissa = number.substr(0, exponentAt);
-    long exponent = 0;
-    if (exponentAt != std::string_view::npos) {
-        std::size_t j = exponentAt + 1;
-        bool negative = number[j] == '-';
-        if (number[j] == '+' || number[j] == '-') ++j;
-        for (; j < number.size(); ++j) exponent = std::min(exponent * 10 + (number[j] - '0'), 1000000000L);
-        if (negative) exponent = -exponent;
-    }
-    // Order of the first non-zero digit: 1 for "5", 2 for "50", 0 for "0.5", -1 for "0.05".
-    std::size_t point = std::min(mantissa.find('.'), mantissa.size());
-    std::size_t first = mantissa.find_first_not_of("0.");
-    if (first == std::string_view::npos) return false;
-    long order = first < point ? static_cast<long>(point - first) : -static_cast<long>(first - point - 1);
-    return order * (hex ? 4 : 1) + exponent > 0;
-}
-
-// Optional white space, optional sign, then the longest prefix that is a decimal number (digits,
-// point, exponent), a hexadecimal one ("0x1.8p3"), "inf"/"infinity" or "nan"; 0 when none.
-// Independent of the locale: the point is always ".".
-double leadingReal(std::wstring_view text) {
-    std::size_t i = 0;
-    while (i < text.size() && isBlank(text[i])) ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == L'+' || text[i] == L'-')) negative = text[i++] == L'-';
-    auto sign = [negative](double v) { return negative ? -v : v; };
-
-    if (startsWithNoCase(text, i, "inf")) return sign(std::numeric_limits<double>::infinity());
-    if (startsWithNoCase(text, i, "nan")) return sign(std::numeric_limits<double>::quiet_NaN());
-
-    auto isHex = [](wchar_t c) {
-        return isDigit(c) || (c >= L'a' && c <= L'f') || (c >= L'A' && c <= L'F');
-    };
-    bool hex = startsWithNoCase(text, i, "0x") && i + 2 < text.size() &&
-               (isHex(text[i + 2]) || (text[i + 2] == L'.' && i + 3 < text.size() && isHex(text[i + 3])));
-    if (hex) i += 2;
-    auto isMantissaDigit = [&](wchar_t c) { return hex ? isHex(c) : isDigit(c); };
-
-    // Copy the number's characters (all ASCII) to a narrow buffer for from_chars.
-    std::string number;
-    std::size_t digits = 0;
-    for (; i < text.size() && isMantissaDigit(text[i]); ++i, ++digits) number += static_cast<char>(text[i]);
-    if (i < text.size() && text[i] == L'.') {
-        number += '.';
-        for (++i; i < text.size() && isMantissaDigit(text[i]); ++i, ++digits) number += static_cast<char>(text[i]);
-    }
-    if (digits == 0) return 0.0;  // nothing converted: no sign either
-    const wchar_t exponentMark = hex ? L'p' : L'e';
-    if (i < text.size() && (text[i] == exponentMark || text[i] == exponentMark - 32)) {
-        std::size_t j = i + 1;
-        std::string exponent = hex ? "p" : "e";
-        if (j < text.size() && (text[j] == L'+' || text[j] == L'-')) exponent += static_cast<char>(text[j++]);
-        if (j < text.size() && isDigit(text[j])) {
-            for (; j < text.size() && isDigit(text[j]); ++j) exponent += static_cast<char>(text[j]);
-            number += exponent;
-        }
-    }
-
-    double value = 0;
-    auto format = hex ? std::chars_format::hex : std::chars_format::general;
-    if (std::from_chars(number.data(), number.data() + number.size(), value, format).ec == std::errc::result_out_of_range) {
-        // Beyond a double: the runtime gives HUGE_VAL or 0, keeping the sign.
-        value = isTooLarge(number, hex) ? std::numeric_limits<double>::infinity() : 0.0;
-    }
-    return sign(value);
-}
-
-// ---- text forms, as printf writes them but independent of the locale ----
-
-// "%i"
-std::wstring formatInteger(std::int32_t value) {
-    char buffer[16];
-    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
-    (void)ec;  // 16 characters hold any 32-bit integer
-    return std::wstring(buffer, end);
-}
-
-// "%.<precision>lf"; "inf", "-inf", "nan" for the non-finite values.
-std::wstring formatFixed(double value, int precision) {
-    std::string buffer(std::size_t(320) + static_cast<std::size_t>(precision), '\0');
-    auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::fixed, precision);
-    (void)ec;  // the buffer holds the 309 integer digits of the largest double plus the fraction
-    return std::wstring(buffer.data(), end);
-}
+std::wstring formatInteger(std::int32_t value) { return host::format(L"%i", value); }
+std::wstring formatReal(double value) { return host::format(L"%lf", value); }
 
 // Real to 32-bit integer, dropping the fraction. Values that do not fit (and NaN) give INT_MIN,
 // the result of the processor's truncating conversion that earlier versions relied on.
@@ -232,7 +112,7 @@ std::int32_t FieldValue::asInteger() const {
     switch (type_) {
         case FieldType::Integer: return integer_;
         case FieldType::Real: return truncateToInteger(real_);
-        case FieldType::Character: return leadingInteger(text_);
+        case FieldType::Character: return host::wtoi(text_);
         case FieldType::Point: throw kConversionNotAllowed;
         default: return 0;
     }
@@ -242,7 +122,7 @@ double FieldValue::asReal() const {
     switch (type_) {
         case FieldType::Integer: return integer_;
         case FieldType::Real: return real_;
-        case FieldType::Character: return leadingReal(text_);
+        case FieldType::Character: return host::wtof(text_);
         default: throw kConversionNotAllowed;
     }
 }
@@ -258,9 +138,9 @@ FieldPoint FieldValue::asPoint() const {
 const std::wstring& FieldValue::asText() const {
     switch (type_) {
         case FieldType::Integer: text_ = formatInteger(integer_); break;
-        case FieldType::Real: text_ = formatFixed(real_, 6); break;
+        case FieldType::Real: text_ = formatReal(real_); break;
         case FieldType::Point:
-            text_ = formatFixed(real_, 6) + L',' + formatFixed(y_, 6) + L',' + formatFixed(z_, 6);
+            text_ = formatReal(real_) + L',' + formatReal(y_) + L',' + formatReal(z_);
             break;
         case FieldType::Character: break;
         default: throw kConversionNotAllowed;
@@ -270,7 +150,7 @@ const std::wstring& FieldValue::asText() const {
 
 std::wstring FieldValue::displayText() const {
     switch (type_) {
-        case FieldType::Real: return trimRealText(formatFixed(real_, 12));
+        case FieldType::Real: return trimRealText(host::format(L"%.12lf", real_));
         case FieldType::Integer:
         case FieldType::Character:
         case FieldType::Point: return asText();
@@ -281,15 +161,16 @@ std::wstring FieldValue::displayText() const {
 double roundReal(double value, int decimals) {
     // Beyond 1074 decimals every double prints exactly, so larger counts change nothing.
     decimals = std::clamp(decimals, 0, 1074);
-    return leadingReal(formatFixed(value, decimals));
+    std::wstring format = host::format(L"%%.%ilf", decimals);
+    return host::wtof(host::format(format, value));
 }
 
 FieldPoint parsePoint(std::wstring_view text) {
     std::size_t first = text.find(L',');
     std::size_t last = text.rfind(L',');
     if (first == std::wstring_view::npos || first == last) throw kMalformedPointText;
-    return {leadingReal(text.substr(0, first)), leadingReal(text.substr(first + 1, last - first - 1)),
-            leadingReal(text.substr(last + 1))};
+    return {host::wtof(text.substr(0, first)), host::wtof(text.substr(first + 1, last - first - 1)),
+            host::wtof(text.substr(last + 1))};
 }
 
 std::wstring trimRealText(std::wstring text) {

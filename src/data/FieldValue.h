@@ -3,6 +3,7 @@
 #pragma once
 
 #include "data/FieldType.h"
+#include "host/Point3d.h"
 
 #include <cstdint>
 #include <string>
@@ -14,11 +15,7 @@ namespace veltarn {
 inline constexpr int kConversionNotAllowed = 6;
 inline constexpr int kMalformedPointText = 11;
 
-struct FieldPoint {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-};
+using FieldPoint = host::Point3d;
 
 class FieldValue {
 public:
