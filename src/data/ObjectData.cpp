@@ -1,0 +1,188 @@
+#include "data/ObjectData.h"
+
+#include "data/RecordValues.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veltarn {
+
+namespace {
+
+using host::OpenMode;
+using host::TypedValue;
+
+// A value as append() stores it in a field of `type`.
+TypedValue appendedForm(const FieldValue& value, FieldType type) {
+    if (value.type() == FieldType::None && type != FieldType::None) {
+        // An unset value still takes its place, or every later record would shift.
+        switch (type) {
+            case FieldType::Integer: return {kIntegerCode, std::int32_t{0}};
+            case FieldType::Real: return {kRealCode, 0.0};
+            case FieldType::Point: return {kPointCode, host::Point3d{}};
+            default: return {kCharacterCode, std::wstring()};
+        }
+    }
+    switch (type) {
+        case FieldType::Integer: return {kIntegerCode, value.asInteger()};
+        case FieldType::Real:
+            // Whole numbers only, on purpose: drawings written by earlier versions hold them so.
+            switch (value.type()) {
+                case FieldType::Real: return {kRealCode, std::trunc(value.realValue())};
+                case FieldType::Point: throw kConversionNotAllowed;
+                default: return {kRealCode, static_cast<double>(value.asInteger())};
+            }
+        case FieldType::Character: return {kCharacterCode, value.asText()};
+        case FieldType::Point:
+            if (value.type() == FieldType::Point) return {kPointCode, value.pointValue()};
+            return {kPointCode, parsePoint(value.asText())};
+        default: return storedForm(value);
+    }
+}
+
+// A value as update() writes it over a stored value of group code `code`; false to keep the
+// stored one.
+bool updatedForm(const FieldValue& value, TypedValue& stored) {
+    if (value.type() == FieldType::None) return false;
+    switch (stored.groupCode) {
+        case kCharacterCode: stored.value = value.asText(); return true;
+        case kRealCode: stored.value = value.asReal(); return true;
+        case kIntegerCode: stored.value = value.asInteger(); return true;
+        case kPointCode: {
+            // X, Z, Z on purpose: drawings written by earlier versions hold points updated so.
+            host::Point3d p = value.asPoint();
+            stored.value = host::Point3d{p.x, p.z, p.z};
+            return true;
+        }
+        default: return false;
+    }
+}
+
+}  // namespace
+
+int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) {
+    entity_ = entity;
+    extensionDictionary_ = {};
+    entries_.clear();
+    position_ = 0;
+    records_ = {};
+    offset_ = 0;
+    fieldCount_ = 0;
+    end_ = false;
+    filter_ = std::move(filter);
+
+    {
+        auto object = db_.openObject(entity, OpenMode::kRead);
+        if (!object) return kOdCannotOpenEntity;
+        extensionDictionary_ = object->extensionDictionary();
+    }
+    if (!extensionDictionary_) return kOdNoData;
+    auto dictionary = db_.openDictionary(extensionDictionary_, OpenMode::kRead);
+    if (!dictionary) return kOdNoData;
+    auto tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_);
+    if (!tables) return kOdNoData;
+
+    entries_ = dictionary->entries();
+    while (standsOnEntry() && !tables->has(currentKey())) ++position_;
+    if (!standsOnEntry()) {
+        entries_.clear();
+        return kOdNoData;
+    }
+    if (filter_) {
+        while (standsOnEntry() && currentKey() != *filter_) ++position_;
+        if (!standsOnEntry()) end_ = true;
+    }
+    if (standsOnEntry()) records_ = entries_[position_].second;
+    return kOdOk;
+}
+
+int ObjectData::read(ObjectDataRecord& record) {
+    if (!standsOnEntry()) return kOdCannotRead;
+    if (!db_.openDictionary(extensionDictionary_, OpenMode::kRead)) return kOdCannotRead;
+    record.clear();
+    ObjectDataRecord definition;
+    if (!readTableDefinition(db_, currentKey(), definition, documents_)) return kOdCannotRead;
+    record.table = currentKey();
+    record.fields.resize(definition.fields.size());
+    for (std::size_t i = 0; i < definition.fields.size(); ++i) {
+        record.fields[i].setName(definition.fields[i].name());
+    }
+    fieldCount_ = static_cast<std::int32_t>(record.fields.size());
+
+    auto xrecord = db_.openXrecord(records_, OpenMode::kRead);
+    if (!xrecord) return kOdCannotRead;
+    host::ResultBuffer chain = xrecord->data();
+    for (std::size_t i = 0; i < record.fields.size() && offset_ + i < chain.size(); ++i) {
+        readStoredValue(chain[offset_ + i], record.fields[i]);
+    }
+    // A table without fields would never advance: it ends at once.
+    if (offset_ + record.fields.size() >= chain.size() || fieldCount_ == 0) end_ = true;
+    return kOdOk;
+}
+
+int ObjectData::update(const ObjectDataRecord& record) {
+    if (!standsOnEntry()) return kOdNoData;
+    auto xrecord = db_.openXrecord(records_, OpenMode::kWrite);
+    if (!xrecord) return kOdNoData;
+    host::ResultBuffer chain = xrecord->data();
+    std::size_t count = std::min<std::size_t>(static_cast<std::size_t>(fieldCount_), record.fields.size());
+    for (std::size_t i = 0; i < count && offset_ + i < chain.size(); ++i) {
+        updatedForm(record.fields[i], chain[offset_ + i]);
+    }
+    if (!xrecord->setData(chain)) return kOdNoData;
+    return kOdOk;
+}
+
+int ObjectData::remove() {
+    if (!standsOnEntry()) return kOdNoData;
+    ObjectDataRecord definition;
+    if (!readTableDefinition(db_, currentKey(), definition, documents_)) return kOdCannotRead;
+    std::size_t fieldCount = definition.fields.size();
+
+    auto xrecord = db_.openXrecord(records_, OpenMode::kWrite);
+    if (!xrecord) return kOdNoData;
+    host::ResultBuffer chain = xrecord->data();
+    std::size_t first = std::min(offset_, chain.size());
+    std::size_t last = std::min(offset_ + fieldCount, chain.size());
+    chain.erase(chain.begin() + static_cast<std::ptrdiff_t>(first), chain.begin() + static_cast<std::ptrdiff_t>(last));
+    end_ = true;
+    if (!chain.empty()) return xrecord->setData(chain) ? kOdOk : kOdNoData;
+
+    // The last record: the entry, the extension dictionary if nothing else is in it, the xrecord.
+    if (auto dictionary = db_.openDictionary(extensionDictionary_, OpenMode::kWrite)) {
+        dictionary->remove(currentKey());
+    }
+    if (auto object = db_.openObject(entity_, OpenMode::kWrite)) object->releaseExtensionDictionary();
+    xrecord->erase();
+    return kOdOk;
+}
+
+int ObjectData::append(host::Database& db, host::ObjectId entity, const ObjectDataRecord& record,
+                       std::span<const FieldType> fieldTypes) {
+    // Converted before anything is opened, so that a refused value leaves the drawing unchanged.
+    host::ResultBuffer values;
+    values.reserve(record.fields.size());
+    for (std::size_t i = 0; i < record.fields.size(); ++i) {
+        const FieldValue& value = record.fields[i];
+        values.push_back(appendedForm(value, i < fieldTypes.size() ? fieldTypes[i] : value.type()));
+    }
+
+    host::ObjectId dictionaryId;
+    {
+        auto object = db.openObject(entity, OpenMode::kWrite);
+        if (!object) return kOdCannotOpenEntity;
+        if (!object->extensionDictionary() && !object->createExtensionDictionary()) return kOdNoData;
+        dictionaryId = object->extensionDictionary();
+    }
+    auto dictionary = db.openDictionary(dictionaryId, OpenMode::kWrite);
+    if (!dictionary) return kOdNoData;
+    host::ObjectId id = dictionary->find(record.table);
+    if (!id) id = dictionary->addXrecord(record.table);
+    auto xrecord = db.openXrecord(id, OpenMode::kWrite);
+    if (!xrecord) return kOdNoData;
+    host::ResultBuffer chain = xrecord->data();
+    chain.insert(chain.end(), values.begin(), values.end());
+    return xrecord->setData(chain) ? kOdOk : kOdNoData;
+}
+
+}  // namespace veltarn
