@@ -1,5 +1,6 @@
 #include "classifier/ClassDef.h"
 
+#include "classifier/Trim.h"
 #include "host/LowerCase.h"
 
 namespace veltarn {
@@ -21,10 +22,9 @@ std::vector<std::wstring> parseTypeList(std::wstring_view text) {
     for (;;) {
         std::size_t comma = text.find(L',');
         std::wstring_view item = text.substr(0, comma);
-        std::size_t first = item.find_first_not_of(L" \t");
-        if (first == std::wstring_view::npos) return {};
-        std::size_t last = item.find_last_not_of(L" \t\r\n");
-        types.emplace_back(item.substr(first, last - first + 1));
+        std::wstring_view type = trim(item);
+        if (type.empty()) return {};
+        types.emplace_back(type);
         if (comma == std::wstring_view::npos) break;
         text.remove_prefix(comma + 1);
     }

@@ -1,6 +1,7 @@
 #include "classifier/PropertyKeywords.h"
 
 #include "classifier/PropertyWords.h"
+#include "classifier/Trim.h"
 #include "host/LowerCase.h"
 #include "host/Format.h"
 #include "host/NumberRules.h"
@@ -18,13 +19,6 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-std::wstring_view trimValue(std::wstring_view text) {
-    std::size_t first = text.find_first_not_of(L" \t");
-    if (first == std::wstring_view::npos) return {};
-    std::size_t last = text.find_last_not_of(L" \t\r\n");
-    return text.substr(first, last - first + 1);
-}
-
 // The value texts of one line: `value`, then the parts of `value2`.
 Texts valueTexts(std::wstring_view value, std::wstring_view value2) {
     std::vector<std::wstring_view> raw{value};
@@ -40,7 +34,7 @@ Texts valueTexts(std::wstring_view value, std::wstring_view value2) {
     }
     Texts texts;
     for (std::wstring_view text : raw) {
-        text = trimValue(text);
+        text = trim(text);
         if (!text.empty()) texts.emplace_back(text);
     }
     return texts;

@@ -1,0 +1,66 @@
+#include "classifier/ClassifierLines.h"
+
+#include "classifier/Trim.h"
+#include "host/Utf8.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace veltarn {
+
+bool ClassifierLines::open(const std::wstring& path) {
+    text_.clear();
+    position_ = 0;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(host::toUtf8(path).c_str(), "rb"), &std::fclose);
+    if (!file) return false;
+    std::string bytes;
+    char buffer[65536];
+    std::size_t got;
+    while ((got = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, got);
+    if (std::ferror(file.get())) return false;  // a folder opens but does not read
+
+    std::wstring decoded = host::fromUtf8(bytes);
+    std::size_t start = !decoded.empty() && decoded.front() == L'\uFEFF' ? 1 : 0;
+    // Text mode: a CR that ends a line is not part of it.
+    text_.reserve(decoded.size());
+    for (std::size_t i = start; i < decoded.size(); ++i) {
+        if (decoded[i] == L'\r' && i + 1 < decoded.size() && decoded[i + 1] == L'\n') continue;
+        text_.push_back(decoded[i]);
+    }
+    return true;
+}
+
+bool ClassifierLines::next(std::wstring_view& line) {
+    if (position_ >= text_.size()) return false;
+    std::size_t limit = std::min(text_.size() - position_, kBufferSize - 1);
+    std::wstring_view rest(text_.data() + position_, limit);
+    std::size_t end = rest.find(L'\n');
+    std::size_t length = end == std::wstring_view::npos ? limit : end + 1;
+    line = rest.substr(0, length);
+    position_ += length;
+    return true;
+}
+
+std::vector<std::wstring> splitColumns(std::wstring_view line) {
+    line = line.substr(0, line.find(L'#'));
+    std::vector<std::wstring> columns;
+    std::wstring column;
+    for (wchar_t c : line) {
+        if (c != L'\t') {
+            column.push_back(c);
+        } else if (!column.empty() && column.back() == L'\\') {
+            column.back() = L'\t';
+        } else if (!column.empty()) {
+            columns.push_back(std::move(column));
+            column.clear();
+        }
+    }
+    if (!column.empty()) columns.push_back(std::move(column));
+
+    if (!columns.empty()) columns.front() = std::wstring(trim(columns.front(), kBlanks, {}));
+    if (!columns.empty()) columns.back() = std::wstring(trim(columns.back(), {}, kBlanksAndLineEnds));
+    std::erase_if(columns, [](const std::wstring& c) { return c.empty(); });
+    return columns;
+}
+
+}  // namespace veltarn
