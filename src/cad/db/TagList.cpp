@@ -87,15 +87,18 @@ std::optional<Point3> TagList::point(int code, std::size_t from, std::size_t to)
 }
 
 std::pair<std::size_t, std::size_t> TagList::subclass(std::string_view marker) const {
-    if (!hasMarkers()) {
+    // Only the object's own tags: a POLYLINE's or INSERT's VERTEX and ATTRIB tags are not its own.
+    std::size_t own = find(0, 1);
+    if (own == npos) own = tags_.size();
+    if (find(100, 0, own) == npos) {
         std::size_t body = 1;
-        while (body < tags_.size() && (tags_[body].code == 5 || tags_[body].code == 105)) ++body;
-        return {body, tags_.size()};
+        while (body < own && (tags_[body].code == 5 || tags_[body].code == 105)) ++body;
+        return {body, own};
     }
-    std::size_t at = find(100, marker);
+    std::size_t at = find(100, marker, 0, own);
     if (at == npos) return {npos, npos};
-    std::size_t end = find(100, at + 1);
-    return {at + 1, end == npos ? tags_.size() : end};
+    std::size_t end = find(100, at + 1, own);
+    return {at + 1, end == npos ? own : end};
 }
 
 void TagList::set(int code, std::string value, std::size_t from, std::size_t to) {
@@ -111,9 +114,11 @@ void TagList::set(int code, std::string value, std::size_t from, std::size_t to)
 void TagList::setIn(std::string_view marker, int code, std::string value) {
     auto [from, to] = subclass(marker);
     if (from == npos) {
-        // A missing subclass is added at the end, so the value is never lost.
-        add(100, std::string(marker));
-        add(code, std::move(value));
+        // A missing subclass is added at the end of the object's own tags, so the value is never lost.
+        std::size_t own = find(0, 1);
+        if (own == npos) own = tags_.size();
+        insert(own, 100, std::string(marker));
+        insert(own + 1, code, std::move(value));
         return;
     }
     set(code, std::move(value), from, to);
@@ -125,8 +130,10 @@ void TagList::setIntegerIn(std::string_view marker, int code, std::int64_t value
 void TagList::setPointIn(std::string_view marker, int code, const Point3& point, bool withZ) {
     auto [from, to] = subclass(marker);
     if (from == npos) {
-        add(100, std::string(marker));
-        from = to = tags_.size();
+        std::size_t own = find(0, 1);
+        if (own == npos) own = tags_.size();
+        insert(own, 100, std::string(marker));
+        from = to = own + 1;
     }
     std::size_t at = find(code, from, to);
     if (at == npos) {
@@ -146,8 +153,11 @@ void TagList::setPointIn(std::string_view marker, int code, const Point3& point,
 void TagList::removeAll(int code, std::size_t from, std::size_t to) {
     to = std::min(to, tags_.size());
     std::size_t out = from;
-    for (std::size_t i = from; i < to; ++i)
-        if (tags_[i].code != code) tags_[out++] = std::move(tags_[i]);
+    for (std::size_t i = from; i < to; ++i) {
+        if (tags_[i].code == code) continue;
+        if (out != i) tags_[out] = std::move(tags_[i]);  // a self-move would empty the value
+        ++out;
+    }
     tags_.erase(tags_.begin() + static_cast<std::ptrdiff_t>(out), tags_.begin() + static_cast<std::ptrdiff_t>(to));
 }
 

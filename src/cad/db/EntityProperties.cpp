@@ -1,0 +1,350 @@
+#include "cad/db/EntityProperties.h"
+
+#include "cad/db/Dictionary.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/db/SymbolTables.h"
+#include "cad/dxf/NumberText.h"
+
+#include <array>
+
+namespace veltarn::db {
+namespace {
+
+constexpr std::string_view kEntity = "AcDbEntity";
+constexpr int kMtextChunk = 3;          // MTEXT text in 250-byte pieces before the final 1
+constexpr std::size_t kChunkBytes = 250;
+constexpr int kSolidFill = 70;          // HATCH: 1 solid, 0 pattern
+constexpr int kPatternAngle = 52;
+constexpr int kPolylineElevation = 38;
+constexpr int kStartWidth = 40, kEndWidth = 41;
+constexpr int kMlineFlags = 71;
+constexpr int kMlineClosed = 2;
+constexpr int kMlineStylePointer = 340;
+constexpr int kMleaderStylePointer = 340;
+constexpr int kBackgroundFlags = 90, kBackgroundColor = 63, kBackgroundRgb = 421, kBackgroundScale = 45, kBackgroundTransparency = 441;
+constexpr int kXdataInteger32 = 1071;
+constexpr std::string_view kHatchBackgroundApp = "HATCHBACKGROUNDCOLOR";
+
+struct Place {
+    Property property;
+    std::string_view type, marker;
+    int code;
+    std::string_view fallback;  // the value when the tag is absent
+};
+
+constexpr std::array<Place, 22> kPlaces{{
+    {Property::BlockName, "INSERT", "AcDbBlockReference", 2, ""},
+    {Property::ScaleX, "INSERT", "AcDbBlockReference", 41, "1"},
+    {Property::ScaleY, "INSERT", "AcDbBlockReference", 42, "1"},
+    {Property::ScaleZ, "INSERT", "AcDbBlockReference", 43, "1"},
+    {Property::Rotation, "INSERT", "AcDbBlockReference", 50, "0"},
+    {Property::Rotation, "TEXT", "AcDbText", 50, "0"},
+    {Property::Rotation, "MTEXT", "AcDbMText", 50, "0"},
+    {Property::ConstantWidth, "LWPOLYLINE", "AcDbPolyline", 43, "0"},
+    {Property::ConstantWidth, "POLYLINE", "AcDb2dPolyline", kStartWidth, "0"},
+    {Property::Elevation, "LWPOLYLINE", "AcDbPolyline", kPolylineElevation, "0"},
+    {Property::Elevation, "POLYLINE", "AcDb2dPolyline", 30, "0"},
+    {Property::Elevation, "HATCH", "AcDbHatch", 30, "0"},
+    {Property::PatternName, "HATCH", "AcDbHatch", 2, ""},
+    {Property::PatternAngle, "HATCH", "AcDbHatch", kPatternAngle, "0"},
+    {Property::PatternScale, "HATCH", "AcDbHatch", 41, "1"},
+    {Property::MlineJustification, "MLINE", "AcDbMline", 70, "0"},
+    {Property::MlineScale, "MLINE", "AcDbMline", 40, "1"},
+    {Property::DimensionStyle, "DIMENSION", "AcDbDimension", 3, "Standard"},
+    {Property::TextStyle, "TEXT", "AcDbText", 7, "Standard"},
+    {Property::TextStyle, "MTEXT", "AcDbMText", 7, "Standard"},
+    {Property::TextHeight, "TEXT", "AcDbText", 40, ""},
+    {Property::TextHeight, "MTEXT", "AcDbMText", 40, ""},
+}};
+constexpr Place kAttachment{Property::AttachmentPoint, "MTEXT", "AcDbMText", 71, "1"};
+
+const Place* placeOf(const TagList& tags, Property which) {
+    std::string_view type = tags.type();
+    if (which == Property::AttachmentPoint) return type == "MTEXT" ? &kAttachment : nullptr;
+    for (const Place& place : kPlaces)
+        if (place.property == which && (place.type == type || (place.type == "DIMENSION" && type.ends_with("DIMENSION")))) return &place;
+    return nullptr;
+}
+
+std::pair<std::size_t, std::size_t> ownTags(const TagList& tags) {
+    std::size_t end = tags.find(gc::kStructure, 1);
+    return {1, end == TagList::npos ? tags.size() : end};
+}
+
+// Removes the xdata of one application from the object's own tags.
+void removeXdata(TagList& tags, std::string_view application) {
+    auto [from, to] = ownTags(tags);
+    std::size_t at = tags.find(gc::kXdataApp, application, from, to);
+    if (at == TagList::npos) return;
+    std::size_t end = tags.find(gc::kXdataApp, at + 1, to);
+    tags.erase(at, (end == TagList::npos ? to : end) - at);
+}
+
+}  // namespace
+
+// --- Common properties -------------------------------------------------------------------------
+
+CommonProperties commonProperties(const TagList& tags) {
+    CommonProperties props;
+    auto [from, to] = tags.subclass(kEntity);
+    if (from == TagList::npos) std::tie(from, to) = ownTags(tags);
+    if (auto layer = tags.text(gc::kLayer, from, to)) props.layer = std::string(dxf::trimSpaces(*layer));
+    props.color.index = static_cast<int>(tags.integer(gc::kColor, from, to).value_or(Color::kByLayer));
+    if (auto rgb = tags.integer(gc::kTrueColor, from, to)) props.color.rgb = static_cast<std::uint32_t>(*rgb) & 0xFFFFFF;
+    if (auto linetype = tags.text(gc::kLinetypeName, from, to)) props.linetype = std::string(dxf::trimSpaces(*linetype));
+    props.linetypeScale = tags.real(gc::kLinetypeScale, from, to).value_or(1);
+    props.lineweight = static_cast<int>(tags.integer(gc::kLineweight, from, to).value_or(-1));
+    return props;
+}
+
+void setLayer(TagList& tags, std::string_view layer) { tags.setIn(kEntity, gc::kLayer, std::string(layer)); }
+
+void setColor(TagList& tags, const Color& color) {
+    tags.setIntegerIn(kEntity, gc::kColor, color.index);
+    auto [from, to] = tags.subclass(kEntity);
+    if (color.rgb && tags.hasMarkers()) {
+        tags.setIntegerIn(kEntity, gc::kTrueColor, *color.rgb);
+    } else if (from != TagList::npos) {
+        tags.removeAll(gc::kTrueColor, from, to);
+        std::tie(from, to) = tags.subclass(kEntity);
+        tags.removeAll(gc::kColorName, from, to);
+    }
+}
+
+void setLinetype(TagList& tags, std::string_view linetype) { tags.setIn(kEntity, gc::kLinetypeName, std::string(linetype)); }
+void setLinetypeScale(TagList& tags, double scale) { tags.setRealIn(kEntity, gc::kLinetypeScale, scale); }
+void setLineweight(TagList& tags, int lineweight) {
+    if (tags.hasMarkers()) tags.setIntegerIn(kEntity, gc::kLineweight, lineweight);  // R12 has no lineweights
+}
+
+// --- Kind-specific properties --------------------------------------------------------------------
+
+std::optional<std::string> property(const TagList& tags, Property which) {
+    const Place* place = placeOf(tags, which);
+    if (!place) return std::nullopt;
+    auto [from, to] = tags.subclass(place->marker);
+    if (from == TagList::npos) return std::string(place->fallback);
+    auto value = tags.text(place->code, from, to);
+    return std::string(value ? dxf::trimSpaces(*value) : place->fallback);
+}
+
+std::optional<double> realProperty(const TagList& tags, Property which) {
+    auto text = property(tags, which);
+    return text ? dxf::parseReal(*text) : std::nullopt;
+}
+
+bool setProperty(TagList& tags, Property which, std::string value) {
+    const Place* place = placeOf(tags, which);
+    if (!place) return false;
+    if (which == Property::PatternName) tags.setIn(place->marker, kSolidFill, sameName(value, "SOLID") ? "1" : "0");
+    if (which == Property::ConstantWidth && tags.type() == "POLYLINE") tags.setIn(place->marker, kEndWidth, value);
+    tags.setIn(place->marker, place->code, std::move(value));
+    return true;
+}
+
+bool setRealProperty(TagList& tags, Property which, double value) { return setProperty(tags, which, dxf::formatReal(value)); }
+
+std::optional<bool> closed(const TagList& tags) {
+    std::string_view type = tags.type();
+    auto [from, to] = ownTags(tags);
+    if (type == "MLINE") return (tags.integer(kMlineFlags, from, to).value_or(0) & kMlineClosed) != 0;
+    if (type == "LWPOLYLINE" || type == "POLYLINE" || type == "SPLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
+    return std::nullopt;
+}
+
+bool setClosed(TagList& tags, bool isClosed) {
+    std::string_view type = tags.type();
+    std::string_view marker = type == "MLINE" ? "AcDbMline" : type == "LWPOLYLINE" ? "AcDbPolyline" : type == "SPLINE" ? "AcDbSpline" : "";
+    int code = type == "MLINE" ? kMlineFlags : gc::kFlags;
+    int bit = type == "MLINE" ? kMlineClosed : 1;
+    if (type == "POLYLINE") {
+        auto [from, to] = tags.subclass("AcDb2dPolyline");
+        marker = from == TagList::npos ? "AcDb3dPolyline" : "AcDb2dPolyline";
+    }
+    if (marker.empty()) return false;
+    auto [from, to] = ownTags(tags);
+    auto flags = tags.integer(code, from, to).value_or(0);
+    tags.setIntegerIn(marker, code, isClosed ? (flags | bit) : (flags & ~bit));
+    return true;
+}
+
+// --- Text ----------------------------------------------------------------------------------------
+
+// TEXT keeps its vertical alignment (73) in a second AcDbText subclass.
+static std::pair<std::size_t, std::size_t> secondTextSubclass(const TagList& tags) {
+    auto [from, to] = ownTags(tags);
+    if (!tags.hasMarkers()) return {from, to};
+    std::size_t first = tags.find(gc::kSubclass, "AcDbText", 0, to);
+    std::size_t second = first == TagList::npos ? TagList::npos : tags.find(gc::kSubclass, "AcDbText", first + 1, to);
+    if (second == TagList::npos) return {TagList::npos, TagList::npos};
+    std::size_t end = tags.find(gc::kSubclass, second + 1, to);
+    return {second + 1, end == TagList::npos ? to : end};
+}
+
+std::optional<int> textJustification(const TagList& tags) {
+    if (tags.type() != "TEXT") return std::nullopt;
+    auto [from, to] = tags.subclass("AcDbText");
+    int horizontal = static_cast<int>(tags.integer(gc::kInt72, from, to).value_or(0));
+    auto [vFrom, vTo] = secondTextSubclass(tags);
+    int vertical = vFrom == TagList::npos ? 0 : static_cast<int>(tags.integer(gc::kInt73, vFrom, vTo).value_or(0));
+    if (vertical == 0 || horizontal > 2) return horizontal;
+    return 6 + (3 - vertical) * 3 + horizontal;
+}
+
+bool setTextJustification(TagList& tags, int justification) {
+    if (tags.type() != "TEXT" || justification < 0 || justification > 14) return false;
+    int horizontal = justification <= 5 ? justification : (justification - 6) % 3;
+    int vertical = justification <= 5 ? 0 : 3 - (justification - 6) / 3;
+    tags.setIntegerIn("AcDbText", gc::kInt72, horizontal);
+    // Any justification but left needs the alignment point; it starts at the insertion point.
+    auto [from, to] = tags.subclass("AcDbText");
+    if (justification != 0 && tags.find(gc::kX2, from, to) == TagList::npos)
+        tags.setPointIn("AcDbText", gc::kX2, tags.point(gc::kX, from, to).value_or(Point3{}));
+    auto [vFrom, vTo] = secondTextSubclass(tags);
+    if (vFrom == TagList::npos) {
+        auto [own, end] = ownTags(tags);
+        (void)own;
+        tags.insert(end, gc::kSubclass, "AcDbText");
+        tags.insert(end + 1, gc::kInt73, std::to_string(vertical));
+        return true;
+    }
+    tags.set(gc::kInt73, std::to_string(vertical), vFrom, vTo);
+    return true;
+}
+
+std::optional<std::string> textContents(const TagList& tags) {
+    std::string_view type = tags.type();
+    if (type == "TEXT" || type == "ATTRIB" || type == "ATTDEF") {
+        auto [from, to] = tags.subclass("AcDbText");
+        return std::string(tags.text(gc::kText, from, to).value_or(""));
+    }
+    if (type != "MTEXT") return std::nullopt;
+    auto [from, to] = tags.subclass("AcDbMText");
+    std::string text;
+    for (std::size_t i = from; i < to; ++i)
+        if (tags[i].code == kMtextChunk || tags[i].code == gc::kText) text += tags[i].value;
+    return text;
+}
+
+bool setTextContents(TagList& tags, std::string_view text) {
+    std::string_view type = tags.type();
+    if (type == "TEXT" || type == "ATTRIB" || type == "ATTDEF") {
+        tags.setIn("AcDbText", gc::kText, std::string(text));
+        return true;
+    }
+    if (type != "MTEXT") return false;
+    auto [from, to] = tags.subclass("AcDbMText");
+    std::size_t at = tags.find(gc::kText, from, to);
+    std::size_t firstChunk = tags.find(kMtextChunk, from, to);
+    if (firstChunk != TagList::npos && (at == TagList::npos || firstChunk < at)) at = firstChunk;
+    if (at == TagList::npos) at = to;
+    tags.removeAll(kMtextChunk, from, to);
+    std::tie(from, to) = tags.subclass("AcDbMText");
+    tags.removeAll(gc::kText, from, to);
+    // Chunks end on a character boundary, never inside a UTF-8 sequence.
+    while (text.size() > kChunkBytes) {
+        std::size_t cut = kChunkBytes;
+        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+        tags.insert(at++, kMtextChunk, std::string(text.substr(0, cut)));
+        text.remove_prefix(cut);
+    }
+    tags.insert(at, gc::kText, std::string(text));
+    return true;
+}
+
+// --- Styles kept as objects -------------------------------------------------------------------------
+
+bool setMlineStyle(const Database& db, TagList& tags, std::string_view name) {
+    if (tags.type() != "MLINE") return false;
+    Handle style = namedEntry(db, "ACAD_MLINESTYLE", name);
+    if (style == kNoHandle) return false;
+    tags.setIn("AcDbMline", gc::kName, std::string(name));
+    tags.setIn("AcDbMline", kMlineStylePointer, formatHandle(style));
+    return true;
+}
+
+std::optional<std::string> mlineStyle(const TagList& tags) {
+    if (tags.type() != "MLINE") return std::nullopt;
+    auto [from, to] = tags.subclass("AcDbMline");
+    return std::string(tags.text(gc::kName, from, to).value_or("Standard"));
+}
+
+bool setMleaderStyle(const Database& db, TagList& tags, std::string_view name) {
+    if (tags.type() != "MULTILEADER" && tags.type() != "MLEADER") return false;
+    Handle style = namedEntry(db, "ACAD_MLEADERSTYLE", name);
+    if (style == kNoHandle) return false;
+    tags.setIn("AcDbMLeader", kMleaderStylePointer, formatHandle(style));
+    return true;
+}
+
+std::optional<std::string> mleaderStyle(const Database& db, const TagList& tags) {
+    if (tags.type() != "MULTILEADER" && tags.type() != "MLEADER") return std::nullopt;
+    auto [from, to] = tags.subclass("AcDbMLeader");
+    Handle style = parseHandle(tags.text(kMleaderStylePointer, from, to).value_or("")).value_or(kNoHandle);
+    for (const auto& name : namedEntries(db, "ACAD_MLEADERSTYLE"))
+        if (namedEntry(db, "ACAD_MLEADERSTYLE", name) == style) return name;
+    return std::nullopt;
+}
+
+// --- Background colours -----------------------------------------------------------------------------
+
+bool setBackgroundColor(TagList& tags, const Color& color) {
+    std::string_view type = tags.type();
+    if (type == "HATCH") {
+        removeXdata(tags, kHatchBackgroundApp);
+        if (color.index == Color::kNone && !color.rgb) return true;
+        std::size_t at = ownTags(tags).second;  // after any other application's xdata
+        tags.insert(at, gc::kXdataApp, std::string(kHatchBackgroundApp));
+        tags.insert(at + 1, kXdataInteger32, std::to_string(static_cast<std::int32_t>(color.raw())));
+        return true;
+    }
+    if (type != "MTEXT") return false;
+    auto [from, to] = tags.subclass("AcDbMText");
+    for (int code : {kBackgroundColor, kBackgroundRgb, kBackgroundScale, kBackgroundTransparency}) {
+        tags.removeAll(code, from, to);
+        std::tie(from, to) = tags.subclass("AcDbMText");
+    }
+    if (color.index == Color::kNone && !color.rgb) {
+        tags.setIn("AcDbMText", kBackgroundFlags, "0");
+        return true;
+    }
+    tags.setIn("AcDbMText", kBackgroundFlags, "1");
+    tags.setIntegerIn("AcDbMText", kBackgroundColor, color.index < 1 || color.index > 255 ? 7 : color.index);
+    if (color.rgb) tags.setIntegerIn("AcDbMText", kBackgroundRgb, *color.rgb);
+    tags.setIn("AcDbMText", kBackgroundScale, "1.5");
+    tags.setIn("AcDbMText", kBackgroundTransparency, "0");
+    return true;
+}
+
+std::optional<Color> backgroundColor(const TagList& tags) {
+    std::string_view type = tags.type();
+    if (type == "HATCH") {
+        auto [from, to] = ownTags(tags);
+        std::size_t at = tags.find(gc::kXdataApp, kHatchBackgroundApp, from, to);
+        if (at == TagList::npos) return Color::ofIndex(Color::kNone);
+        auto raw = tags.integer(kXdataInteger32, at + 1, to);
+        return raw ? Color::fromRaw(static_cast<std::uint32_t>(*raw)) : Color::ofIndex(Color::kNone);
+    }
+    if (type != "MTEXT") return std::nullopt;
+    auto [from, to] = tags.subclass("AcDbMText");
+    if ((tags.integer(kBackgroundFlags, from, to).value_or(0) & 1) == 0) return Color::ofIndex(Color::kNone);
+    Color color = Color::ofIndex(static_cast<int>(tags.integer(kBackgroundColor, from, to).value_or(7)));
+    if (auto rgb = tags.integer(kBackgroundRgb, from, to)) color.rgb = static_cast<std::uint32_t>(*rgb) & 0xFFFFFF;
+    return color;
+}
+
+Result<void> ensureAppId(Database& db, std::string_view application) {
+    if (db.findRecord("APPID", application) != kNoHandle) return {};
+    TagList tags{{0, "APPID"}};
+    if (!db.isR12()) {
+        tags.add(gc::kSubclass, "AcDbSymbolTableRecord");
+        tags.add(gc::kSubclass, "AcDbRegAppTableRecord");
+    }
+    tags.add(gc::kName, std::string(application));
+    tags.add(gc::kFlags, "0");
+    auto added = db.addRecord("APPID", std::move(tags));
+    if (!added) return added.error();
+    return {};
+}
+
+}  // namespace veltarn::db

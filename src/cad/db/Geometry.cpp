@@ -1,0 +1,350 @@
+#include "cad/db/Geometry.h"
+
+#include "cad/db/GroupCodes.h"
+#include "cad/dxf/NumberText.h"
+
+namespace veltarn::db {
+namespace {
+
+constexpr int kVertexCount = 90;     // LWPOLYLINE
+constexpr int kElevation = 38;       // LWPOLYLINE
+constexpr int kBulge = 42;
+constexpr int kStartWidth = 40, kEndWidth = 41;
+constexpr int kVertexFlags = 70;
+constexpr int kPolyline3dFlag = 8;
+constexpr int kVertex3dFlag = 32;
+constexpr int kFaceRecordFlag = 128, kMeshVertexFlag = 64;
+// HATCH boundary data.
+constexpr int kPathCount = 91, kPathFlags = 92, kEdgeCount = 93, kEdgeType = 72, kHasBulge = 72, kIsClosed = 73;
+constexpr int kSourceCount = 97, kSplineKnots = 95, kSplineControls = 96, kSplineRational = 73;
+constexpr int kPolylinePathFlag = 2;
+
+double realAt(const TagList& tags, std::size_t i) { return dxf::parseReal(tags[i].value).value_or(0); }
+std::int64_t intAt(const TagList& tags, std::size_t i) { return dxf::parseInteger(tags[i].value).value_or(0); }
+
+std::pair<std::size_t, std::size_t> ownTags(const TagList& tags) {
+    std::size_t end = tags.find(gc::kStructure, 1);
+    return {1, end == TagList::npos ? tags.size() : end};
+}
+
+// The end of a subclass's geometry: before its extrusion and any xdata.
+std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i)
+        if (tags[i].code == gc::kNormalX || tags[i].code >= 1000) return i;
+    return to;
+}
+
+}  // namespace
+
+std::string_view geometrySubclass(std::string_view type) {
+    if (type == "LINE") return "AcDbLine";
+    if (type == "POINT") return "AcDbPoint";
+    if (type == "CIRCLE" || type == "ARC") return "AcDbCircle";
+    if (type == "ELLIPSE") return "AcDbEllipse";
+    if (type == "XLINE") return "AcDbXline";
+    if (type == "RAY") return "AcDbRay";
+    if (type == "3DFACE") return "AcDbFace";
+    if (type == "SOLID") return "AcDbTrace";
+    if (type == "TEXT") return "AcDbText";
+    if (type == "MTEXT") return "AcDbMText";
+    if (type == "INSERT") return "AcDbBlockReference";
+    if (type == "DIMENSION") return "AcDbDimension";
+    if (type == "WIPEOUT") return "AcDbRasterImage";
+    if (type == "LWPOLYLINE") return "AcDbPolyline";
+    if (type == "SPLINE") return "AcDbSpline";
+    if (type == "MLINE") return "AcDbMline";
+    if (type == "HATCH") return "AcDbHatch";
+    return {};
+}
+
+// --- Polylines --------------------------------------------------------------------------------------
+
+std::vector<Vertex> polylineVertices(const TagList& tags) {
+    std::vector<Vertex> out;
+    if (tags.type() == "LWPOLYLINE") {
+        auto [from, to] = tags.subclass("AcDbPolyline");
+        double z = tags.real(kElevation, from, to).value_or(0);
+        to = dataEnd(tags, from, to);
+        for (std::size_t i = from; i < to; ++i) {
+            int code = tags[i].code;
+            if (code == gc::kX) out.push_back({{realAt(tags, i), 0, z}});
+            else if (out.empty()) continue;
+            else if (code == gc::kX + 10) out.back().point.y = realAt(tags, i);
+            else if (code == kStartWidth) out.back().startWidth = realAt(tags, i);
+            else if (code == kEndWidth) out.back().endWidth = realAt(tags, i);
+            else if (code == kBulge) out.back().bulge = realAt(tags, i);
+        }
+        return out;
+    }
+    if (tags.type() != "POLYLINE") return out;
+    for (std::size_t i = 1; i < tags.size(); ++i) {
+        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
+        std::size_t end = tags.find(gc::kStructure, i + 1);
+        if (end == TagList::npos) end = tags.size();
+        int flags = static_cast<int>(tags.integer(kVertexFlags, i + 1, end).value_or(0));
+        if ((flags & kFaceRecordFlag) && !(flags & kMeshVertexFlag)) continue;  // a polyface face record
+        Vertex v;
+        v.point = tags.point(gc::kX, i + 1, end).value_or(Point3{});
+        v.bulge = tags.real(kBulge, i + 1, end).value_or(0);
+        v.startWidth = tags.real(kStartWidth, i + 1, end).value_or(0);
+        v.endWidth = tags.real(kEndWidth, i + 1, end).value_or(0);
+        out.push_back(v);
+    }
+    return out;
+}
+
+bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>& vertices) {
+    if (tags.type() == "LWPOLYLINE") {
+        auto [from, to] = tags.subclass("AcDbPolyline");
+        if (from == TagList::npos) return false;
+        std::size_t end = dataEnd(tags, from, to);
+        std::size_t first = tags.find(gc::kX, from, end);
+        std::size_t at = first == TagList::npos ? end : first;
+        // The vertex tags run from the first 10 to the end of the geometry.
+        if (first != TagList::npos) tags.erase(first, end - first);
+        TagList fresh;
+        for (const Vertex& v : vertices) {
+            fresh.addPoint2(gc::kX, v.point.x, v.point.y);
+            if (v.startWidth != 0 || v.endWidth != 0) {
+                fresh.addReal(kStartWidth, v.startWidth);
+                fresh.addReal(kEndWidth, v.endWidth);
+            }
+            if (v.bulge != 0) fresh.addReal(kBulge, v.bulge);
+        }
+        for (std::size_t i = 0; i < fresh.size(); ++i) tags.insert(at + i, fresh[i].code, fresh[i].value);
+        tags.setIntegerIn("AcDbPolyline", kVertexCount, static_cast<std::int64_t>(vertices.size()));
+        if (!vertices.empty() && vertices[0].point.z != 0) tags.setRealIn("AcDbPolyline", kElevation, vertices[0].point.z);
+        return true;
+    }
+    if (tags.type() != "POLYLINE") return false;
+    auto [own, ownEnd] = ownTags(tags);
+    (void)own;
+    bool modern = tags.hasMarkers();
+    bool is3d = (tags.integer(gc::kFlags, 1, ownEnd).value_or(0) & kPolyline3dFlag) != 0;
+    std::string owner = tags.size() > 1 && tags[1].code == gc::kHandle ? tags[1].value : "0";
+    std::string layer = std::string(tags.text(gc::kLayer, 1, ownEnd).value_or("0"));
+    // The SEQEND is kept (with its handle); a missing one is made.
+    TagList seqend;
+    std::size_t seq = tags.find(gc::kStructure, "SEQEND", ownEnd);
+    if (seq != TagList::npos) {
+        std::size_t seqEnd = tags.find(gc::kStructure, seq + 1);
+        for (std::size_t i = seq; i < (seqEnd == TagList::npos ? tags.size() : seqEnd); ++i) seqend.add(tags[i].code, tags[i].value);
+    } else {
+        seqend = {{0, "SEQEND"}, {5, formatHandle(db.allocateHandle())}};
+        if (modern) {
+            seqend.add(gc::kSoftPointer, owner);
+            seqend.add(gc::kSubclass, "AcDbEntity");
+        }
+        seqend.add(gc::kLayer, layer);
+    }
+    tags.erase(ownEnd, tags.size() - ownEnd);
+    for (const Vertex& v : vertices) {
+        tags.add(0, "VERTEX");
+        tags.add(gc::kHandle, formatHandle(db.allocateHandle()));
+        if (modern) {
+            tags.add(gc::kSoftPointer, owner);
+            tags.add(gc::kSubclass, "AcDbEntity");
+        }
+        tags.add(gc::kLayer, layer);
+        if (modern) {
+            tags.add(gc::kSubclass, "AcDbVertex");
+            tags.add(gc::kSubclass, is3d ? "AcDb3dPolylineVertex" : "AcDb2dVertex");
+        }
+        tags.addPoint(gc::kX, v.point);
+        if (v.startWidth != 0) tags.addReal(kStartWidth, v.startWidth);
+        if (v.endWidth != 0) tags.addReal(kEndWidth, v.endWidth);
+        if (v.bulge != 0) tags.addReal(kBulge, v.bulge);
+        tags.addInteger(kVertexFlags, is3d ? kVertex3dFlag : 0);
+    }
+    for (const TagValue& tag : seqend) tags.add(tag.code, tag.value);
+    return true;
+}
+
+// --- Point lists -------------------------------------------------------------------------------------
+
+std::vector<Point3> pointList(const TagList& tags, std::string_view marker, int code) {
+    std::vector<Point3> out;
+    auto [from, to] = tags.subclass(marker);
+    if (from == TagList::npos) return out;
+    for (std::size_t i = from; i < to; ++i)
+        if (tags[i].code == code) out.push_back(tags.pointAt(i).value_or(Point3{}));
+    return out;
+}
+
+bool setPointList(TagList& tags, std::string_view marker, int code, const std::vector<Point3>& points) {
+    std::string_view type = tags.type();
+    int countCode = type == "SPLINE" && code == 10 ? 73 : type == "SPLINE" && code == 11 ? 74 : type == "WIPEOUT" && code == 14 ? 91 : 0;
+    if (countCode == 0) return false;  // kinds whose points carry per-point data are not rewritten this way
+    auto [from, to] = tags.subclass(marker);
+    if (from == TagList::npos) return false;
+    std::size_t at = tags.find(code, from, to);
+    if (at == TagList::npos) at = dataEnd(tags, from, to);
+    for (int c : {code, code + 10, code + 20}) {
+        tags.removeAll(c, from, to);
+        std::tie(from, to) = tags.subclass(marker);
+    }
+    bool withZ = type != "WIPEOUT";
+    for (const Point3& p : points) {
+        tags.insert(at++, code, dxf::formatReal(p.x));
+        tags.insert(at++, code + 10, dxf::formatReal(p.y));
+        if (withZ) tags.insert(at++, code + 20, dxf::formatReal(p.z));
+    }
+    tags.setIntegerIn(marker, countCode, static_cast<std::int64_t>(points.size()));
+    return true;
+}
+
+// --- Hatch boundaries ----------------------------------------------------------------------------------
+
+namespace {
+
+// Tags an edge of this type holds after its type tag (splines are counted as they are read).
+std::size_t fixedEdgeLength(int type) { return type == 1 ? 4 : type == 2 ? 6 : type == 3 ? 8 : 0; }
+
+// Reads the paths starting after the path-count tag; returns the index after the last path.
+std::size_t readPaths(const TagList& tags, std::size_t i, std::size_t to, std::int64_t count, std::vector<HatchPath>& out) {
+    for (std::int64_t p = 0; p < count && i < to; ++p) {
+        if (tags[i].code != kPathFlags) break;
+        HatchPath path;
+        path.flags = static_cast<int>(intAt(tags, i++));
+        if (path.flags & kPolylinePathFlag) {
+            bool bulges = i < to && tags[i].code == kHasBulge && intAt(tags, i) != 0;
+            if (i < to && tags[i].code == kHasBulge) ++i;
+            if (i < to && tags[i].code == kIsClosed) path.closed = intAt(tags, i++) != 0;
+            std::int64_t n = i < to && tags[i].code == kEdgeCount ? intAt(tags, i++) : 0;
+            for (std::int64_t v = 0; v < n && i + 1 < to; ++v) {
+                Vertex vertex;
+                vertex.point.x = realAt(tags, i++);
+                vertex.point.y = realAt(tags, i++);
+                if (bulges && i < to && tags[i].code == kBulge) vertex.bulge = realAt(tags, i++);
+                path.vertices.push_back(vertex);
+            }
+        } else {
+            std::int64_t n = i < to && tags[i].code == kEdgeCount ? intAt(tags, i++) : 0;
+            for (std::int64_t e = 0; e < n && i < to && tags[i].code == kEdgeType; ++e) {
+                HatchEdge edge;
+                edge.type = static_cast<int>(intAt(tags, i++));
+                std::size_t length = fixedEdgeLength(edge.type);
+                std::size_t end = i + length;
+                if (edge.type == 4) {
+                    // degree, rational, periodic, knot count, control count, knots, controls (+ weights), fit data.
+                    std::size_t j = i;
+                    bool rational = false;
+                    std::int64_t knots = 0, controls = 0;
+                    for (; j < to && j < i + 5; ++j) {
+                        if (tags[j].code == kSplineRational) rational = intAt(tags, j) != 0;
+                        if (tags[j].code == kSplineKnots) knots = intAt(tags, j);
+                        if (tags[j].code == kSplineControls) controls = intAt(tags, j);
+                    }
+                    j += static_cast<std::size_t>(knots) + static_cast<std::size_t>(controls) * (rational ? 3 : 2);
+                    if (j + 1 < to && tags[j].code == kSourceCount) {
+                        std::int64_t fit = intAt(tags, j);
+                        int next = tags[j + 1].code;
+                        if ((fit > 0 && next == gc::kX2) || (fit == 0 && (next == kSourceCount || next == gc::kX3))) {
+                            j += 1 + static_cast<std::size_t>(fit) * 2;
+                            if (j < to && tags[j].code == gc::kX3) j += 4;  // start and end tangents
+                        }
+                    }
+                    end = j;
+                }
+                end = std::min(end, to);
+                for (; i < end; ++i) edge.data.add(tags[i].code, tags[i].value);
+                path.edges.push_back(std::move(edge));
+            }
+        }
+        if (i < to && tags[i].code == kSourceCount) {
+            std::int64_t n = intAt(tags, i++);
+            for (std::int64_t s = 0; s < n && i < to && tags[i].code == gc::kSoftPointer; ++s)
+                path.sources.push_back(parseHandle(tags[i++].value).value_or(kNoHandle));
+        }
+        out.push_back(std::move(path));
+    }
+    return i;
+}
+
+}  // namespace
+
+std::vector<HatchPath> hatchPaths(const TagList& tags) {
+    std::vector<HatchPath> out;
+    auto [from, to] = tags.subclass("AcDbHatch");
+    if (from == TagList::npos) return out;
+    std::size_t at = tags.find(kPathCount, from, to);
+    if (at == TagList::npos) return out;
+    readPaths(tags, at + 1, to, intAt(tags, at), out);
+    return out;
+}
+
+bool setHatchPaths(TagList& tags, const std::vector<HatchPath>& paths) {
+    if (tags.type() != "HATCH") return false;
+    auto [from, to] = tags.subclass("AcDbHatch");
+    if (from == TagList::npos) return false;
+    std::size_t at = tags.find(kPathCount, from, to);
+    std::size_t end;
+    if (at == TagList::npos) {
+        at = dataEnd(tags, from, to);
+        end = at;
+    } else {
+        std::vector<HatchPath> old;
+        end = readPaths(tags, at + 1, to, intAt(tags, at), old);
+    }
+    TagList fresh;
+    fresh.addInteger(kPathCount, static_cast<std::int64_t>(paths.size()));
+    for (const HatchPath& path : paths) {
+        bool polyline = !path.vertices.empty() || (path.flags & kPolylinePathFlag);
+        fresh.addInteger(kPathFlags, polyline ? (path.flags | kPolylinePathFlag) : (path.flags & ~kPolylinePathFlag));
+        if (polyline) {
+            bool bulges = false;
+            for (const Vertex& v : path.vertices) bulges = bulges || v.bulge != 0;
+            fresh.addInteger(kHasBulge, bulges ? 1 : 0);
+            fresh.addInteger(kIsClosed, path.closed ? 1 : 0);
+            fresh.addInteger(kEdgeCount, static_cast<std::int64_t>(path.vertices.size()));
+            for (const Vertex& v : path.vertices) {
+                fresh.addPoint2(gc::kX, v.point.x, v.point.y);
+                if (bulges) fresh.addReal(kBulge, v.bulge);
+            }
+        } else {
+            fresh.addInteger(kEdgeCount, static_cast<std::int64_t>(path.edges.size()));
+            for (const HatchEdge& edge : path.edges) {
+                fresh.addInteger(kEdgeType, edge.type);
+                for (const TagValue& tag : edge.data) fresh.add(tag.code, tag.value);
+            }
+        }
+        fresh.addInteger(kSourceCount, static_cast<std::int64_t>(path.sources.size()));
+        for (Handle source : path.sources) fresh.add(gc::kSoftPointer, formatHandle(source));
+    }
+    tags.erase(at, end - at);
+    for (std::size_t i = 0; i < fresh.size(); ++i) tags.insert(at + i, fresh[i].code, fresh[i].value);
+    return true;
+}
+
+// --- Attributes ----------------------------------------------------------------------------------------
+
+std::vector<Attribute> attributes(const TagList& tags) {
+    std::vector<Attribute> out;
+    if (tags.type() != "INSERT") return out;
+    for (std::size_t i = 1; i < tags.size(); ++i) {
+        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "ATTRIB") continue;
+        std::size_t end = tags.find(gc::kStructure, i + 1);
+        if (end == TagList::npos) end = tags.size();
+        Attribute a;
+        a.handle = parseHandle(tags.text(gc::kHandle, i + 1, end).value_or("")).value_or(kNoHandle);
+        a.tag = std::string(tags.text(gc::kName, i + 1, end).value_or(""));
+        a.value = std::string(tags.text(gc::kText, i + 1, end).value_or(""));
+        out.push_back(std::move(a));
+    }
+    return out;
+}
+
+bool setAttributeValue(TagList& tags, std::string_view tag, std::string_view value) {
+    if (tags.type() != "INSERT") return false;
+    for (std::size_t i = 1; i < tags.size(); ++i) {
+        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "ATTRIB") continue;
+        std::size_t end = tags.find(gc::kStructure, i + 1);
+        if (end == TagList::npos) end = tags.size();
+        if (!sameName(tags.text(gc::kName, i + 1, end).value_or(""), tag)) continue;
+        tags.set(gc::kText, std::string(value), i + 1, end);
+        return true;
+    }
+    return false;
+}
+
+}  // namespace veltarn::db
