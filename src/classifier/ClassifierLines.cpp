@@ -45,10 +45,12 @@ std::vector<std::wstring> splitColumns(std::wstring_view line) {
     line = line.substr(0, line.find(L'#'));
     std::vector<std::wstring> columns;
     std::wstring column;
-    for (wchar_t c : line) {
-        if (c != L'\t') {
-            column.push_back(c);
-        } else if (!column.empty() && column.back() == L'\\') {
+    for (;;) {
+        std::size_t tab = line.find(L'\t');
+        column.append(line.substr(0, tab));
+        if (tab == std::wstring_view::npos) break;
+        line.remove_prefix(tab + 1);
+        if (!column.empty() && column.back() == L'\\') {
             column.back() = L'\t';
         } else if (!column.empty()) {
             columns.push_back(std::move(column));
@@ -57,8 +59,12 @@ std::vector<std::wstring> splitColumns(std::wstring_view line) {
     }
     if (!column.empty()) columns.push_back(std::move(column));
 
-    if (!columns.empty()) columns.front() = std::wstring(trim(columns.front(), kBlanks, {}));
-    if (!columns.empty()) columns.back() = std::wstring(trim(columns.back(), {}, kBlanksAndLineEnds));
+    if (!columns.empty()) columns.front().erase(0, columns.front().find_first_not_of(kBlanks));
+    if (!columns.empty()) {
+        std::wstring& last = columns.back();
+        std::size_t end = last.find_last_not_of(kBlanksAndLineEnds);
+        last.erase(end == std::wstring::npos ? 0 : end + 1);
+    }
     std::erase_if(columns, [](const std::wstring& c) { return c.empty(); });
     return columns;
 }
