@@ -1,5 +1,6 @@
 #include "classifier/ClassifierReader.h"
 
+#include "cad/editor/SystemVariableTable.h"
 #include "classifier/MacroTable.h"
 #include "host/LowerCase.h"
 #include "host/Utf8.h"
@@ -8,33 +9,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 namespace veltarn {
 namespace {
 
 const std::wstring kDataDir = host::fromUtf8(VELTARN_SOURCE_DIR "/tests/classifier/data");
-
-// A few typed variables, as a host would have them. Stands in until the workbench's command
-// processor provides the real ones.
-class TableVariables : public host::SystemVariables {
-public:
-    TableVariables() {
-        values_[L"LUPREC"] = host::VariableValue::ofShort(4);
-        values_[L"CELTSCALE"] = host::VariableValue::ofReal(1);
-        values_[L"CLAYER"] = host::VariableValue::ofString(L"0");
-        values_[L"INSBASE"] = host::VariableValue::ofPoint3d({});
-        values_[L"LIMMAX"] = host::VariableValue::ofPoint2d(12, 9);
-    }
-    std::optional<host::VariableValue> get(const std::wstring& name) const override {
-        auto it = values_.find(name);
-        return it == values_.end() ? std::nullopt : std::optional(it->second);
-    }
-    bool set(const std::wstring&, const host::VariableValue&) override { return false; }
-
-private:
-    std::map<std::wstring, host::VariableValue> values_;
-};
 
 struct Reading {
     Classifier classifier;
@@ -43,7 +22,7 @@ struct Reading {
 };
 
 Reading readFile(const std::wstring& path) {
-    static TableVariables variables;
+    static editor::SystemVariableTable variables;
     Reading reading;
     ClassifierReader reader([&](const std::wstring& text) { reading.messages += text; }, &variables);
     reading.classifier = reader.read(path);

@@ -1,5 +1,6 @@
 #include "classifier/DefinitionWriter.h"
 #include "classifier/PropertyKeywords.h"
+#include "cad/editor/SystemVariableTable.h"
 
 #include <gtest/gtest.h>
 
@@ -101,6 +102,16 @@ TEST(DefinitionWriter, CircleModeOfItsOwnIsNotDoubled) {
     std::wstring text = writeDefinition(def, nullptr, 0, icon);
     EXPECT_NE(text.find(L"\t\tobj_prop\tcircleMode\t2p\n\t\tobj_prop\tcircleRadius\t1\n"), std::wstring::npos) << text;
     EXPECT_EQ(text.find(L"Center"), std::wstring::npos);
+}
+
+TEST(DefinitionWriter, DecimalsFollowTheDrawingsLinearPrecision) {
+    editor::SystemVariableTable variables;
+    ASSERT_TRUE(variables.set(L"LUPREC", host::VariableValue::ofShort(1)));
+    ClassDef def = definition(L"Ring", {L"Circle"});
+    ASSERT_TRUE(parseProperty(def.properties, L"circleradius", L"2.26", L""));
+    std::wstring icon;
+    std::wstring text = writeDefinition(def, nullptr, linearPrecision(variables), icon);
+    EXPECT_NE(text.find(L"\tcircleRadius\t2.3\n"), std::wstring::npos) << text;
 }
 
 }  // namespace
