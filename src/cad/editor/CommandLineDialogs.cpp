@@ -1,0 +1,105 @@
+#include "cad/editor/CommandLineDialogs.h"
+
+#include <filesystem>
+
+#include "host/Format.h"
+#include "host/NumberRules.h"
+#include "host/Utf8.h"
+#include "res/DialogTexts.h"
+
+namespace veltarn::editor {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path toPath(const std::wstring& text) { return fs::path(host::toUtf8(text)); }
+std::wstring fromPath(const fs::path& path) { return host::fromUtf8(path.string()); }
+
+}  // namespace
+
+std::optional<std::wstring> CommandLineDialogs::askPath(const std::wstring& prompt,
+                                                        const host::FileDialogRequest& request) {
+    std::wstring answer;
+    const std::wstring shown = request.initialPath.empty() ? prompt + L": " : prompt + L" <" + request.initialPath + L">: ";
+    if (editor_.getString(shown, true, answer, 4096) != host::PromptStatus::kNormal) return std::nullopt;
+    if (answer.empty()) answer = request.initialPath;
+    if (answer.empty()) return std::nullopt;
+    fs::path path = toPath(answer);
+    if (!request.defaultExtension.empty() && !path.has_extension())
+        path += "." + host::toUtf8(request.defaultExtension);
+    std::error_code error;
+    fs::path absolute = fs::absolute(path, error);
+    return fromPath(error ? path : absolute.lexically_normal());
+}
+
+std::optional<std::wstring> CommandLineDialogs::openFile(const host::FileDialogRequest& request) {
+    std::optional<std::wstring> path = askPath(L"Enter name of file to open", request);
+    if (!path) return std::nullopt;
+    std::error_code error;
+    if (!fs::is_regular_file(toPath(*path), error)) {
+        editor_.print(L"File not found: " + *path + L"\n");
+        return std::nullopt;
+    }
+    return path;
+}
+
+std::optional<std::wstring> CommandLineDialogs::saveFile(const host::FileDialogRequest& request) {
+    std::optional<std::wstring> path = askPath(L"Enter name of file to save", request);
+    if (!path) return std::nullopt;
+    const fs::path file = toPath(*path);
+    std::error_code error;
+    if (!fs::is_directory(file.parent_path(), error)) {
+        editor_.print(L"Folder not found: " + fromPath(file.parent_path()) + L"\n");
+        return std::nullopt;
+    }
+    if (fs::is_directory(file, error)) {
+        editor_.print(L"Not a file: " + *path + L"\n");
+        return std::nullopt;
+    }
+    if (request.confirmOverwrite && fs::exists(file, error)) {
+        std::wstring answer;
+        const host::PromptStatus status = editor_.getKeyword(L"Replace it? [Yes/No] <No>: ", {L"Yes", L"No"}, answer);
+        if (status != host::PromptStatus::kNormal || answer != L"Yes") return std::nullopt;
+    }
+    return path;
+}
+
+bool CommandLineDialogs::askFlag(const std::wstring& caption, bool& value) {
+    std::wstring answer;
+    if (editor_.getString(host::format(L"%s [0/1]<%i>: ", caption, value ? 1 : 0), false, answer) !=
+        host::PromptStatus::kNormal)
+        return false;
+    if (!answer.empty()) value = host::wtoi(answer) > 0;
+    return true;
+}
+
+bool CommandLineDialogs::classificationParameters(host::ClassificationParameters& parameters) {
+    host::ClassificationParameters shown = parameters;
+    if (!askFlag(dialog_texts::kAssignGraphicalProperties, shown.assignGraphicalProperties)) return false;
+    if (!askFlag(dialog_texts::kAttachOd, shown.attachObjectData)) return false;
+    if (shown.attachObjectData) {
+        if (!askFlag(dialog_texts::kChangeObject, shown.changeObject)) return false;
+        if (!askFlag(dialog_texts::kDefineFieldOd, shown.defineFieldValues)) return false;
+    }
+    parameters = shown;
+    return true;
+}
+
+bool CommandLineDialogs::chooseForRemoval(const std::vector<std::wstring>& names, std::vector<std::wstring>& chosen) {
+    bool all = false;
+    if (!askFlag(dialog_texts::kSelectAll, all)) return false;
+    std::vector<std::wstring> marked;
+    for (const std::wstring& name : names) {
+        bool remove = all;
+        if (!all && !askFlag(L"Remove " + name + L"?", remove)) return false;
+        if (remove) marked.push_back(name);
+    }
+    chosen = std::move(marked);
+    return true;
+}
+
+void CommandLineDialogs::textBox(const std::wstring& title, const std::wstring& text, int, int) {
+    editor_.print(title + L"\n" + text + (text.empty() || text.back() == L'\n' ? L"" : L"\n"));
+}
+
+}  // namespace veltarn::editor

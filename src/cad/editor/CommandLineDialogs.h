@@ -1,0 +1,39 @@
+// The module's dialogs answered on the command line: one prompt per control, in the dialog's order.
+#pragma once
+
+#include "host/Dialogs.h"
+#include "host/Editor.h"
+
+namespace veltarn::editor {
+
+// As CAD programs do with their file dialogs switched off: file names are typed, check boxes are
+// "[0/1]<%i>" prompts, the text box is printed. Any cancelled prompt cancels the dialog.
+class CommandLineDialogs : public host::Dialogs {
+public:
+    explicit CommandLineDialogs(host::Editor& editor) : editor_(editor) {}
+
+    // "Enter name of file to open <initial>: ". Enter takes the initial name; a name without an
+    // extension gets the default one; a relative name is taken from the working folder. A file
+    // that does not exist is reported and gives nullopt.
+    std::optional<std::wstring> openFile(const host::FileDialogRequest& request) override;
+    // "Enter name of file to save <initial>: ". The folder must exist; an existing file is replaced
+    // only after "Replace it? [Yes/No] <No>: " is answered Yes, when the request asks for that.
+    std::optional<std::wstring> saveFile(const host::FileDialogRequest& request) override;
+    // One prompt per check box; "Change object" and "Define field OD" are asked only while "Attach
+    // OD" is 1, as the dialog enables them only then. Enter keeps a value, other answers are read
+    // as integers and clamped to 0 or 1.
+    bool classificationParameters(host::ClassificationParameters& parameters) override;
+    // "Select All [0/1]<0>: ", then, unless all were selected, "Remove <name>? [0/1]<0>: " per name.
+    bool chooseForRemoval(const std::vector<std::wstring>& names, std::vector<std::wstring>& chosen) override;
+    // The title on a line of its own, then the text.
+    void textBox(const std::wstring& title, const std::wstring& text, int width, int height) override;
+
+private:
+    std::optional<std::wstring> askPath(const std::wstring& prompt, const host::FileDialogRequest& request);
+    // A 0/1 prompt; false when cancelled.
+    bool askFlag(const std::wstring& caption, bool& value);
+
+    host::Editor& editor_;
+};
+
+}  // namespace veltarn::editor

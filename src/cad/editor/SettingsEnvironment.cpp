@@ -1,0 +1,61 @@
+#include "cad/editor/SettingsEnvironment.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "host/Utf8.h"
+
+namespace veltarn::editor {
+namespace {
+
+constexpr char kSupportPathKey[] = "supportPath=";
+
+std::vector<std::string> readLines(const std::filesystem::path& file) {
+    std::vector<std::string> lines;
+    std::ifstream in(file, std::ios::binary);
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+}  // namespace
+
+SettingsEnvironment::SettingsEnvironment(std::filesystem::path file, std::wstring defaultSupportPath)
+    : file_(std::move(file)), supportPath_(std::move(defaultSupportPath)) {
+    for (const std::string& line : readLines(file_))
+        if (line.rfind(kSupportPathKey, 0) == 0) supportPath_ = host::fromUtf8(line.substr(sizeof kSupportPathKey - 1));
+}
+
+std::filesystem::path SettingsEnvironment::defaultFile() {
+    if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && *config)
+        return std::filesystem::path(config) / "veltarn" / "settings";
+    const char* home = std::getenv("HOME");
+    return std::filesystem::path(home && *home ? home : ".") / ".config" / "veltarn" / "settings";
+}
+
+bool SettingsEnvironment::setSupportPath(const std::wstring& path) {
+    if (path.find_first_of(L"\r\n") != std::wstring::npos) return false;  // would split the line
+    supportPath_ = path;
+    std::vector<std::string> lines = readLines(file_);
+    std::erase_if(lines, [](const std::string& l) { return l.rfind(kSupportPathKey, 0) == 0; });
+    lines.push_back(kSupportPathKey + host::toUtf8(path));
+    std::error_code error;
+    if (file_.has_parent_path()) std::filesystem::create_directories(file_.parent_path(), error);
+    // Written beside and renamed over, so a crash never leaves half a settings file.
+    std::filesystem::path temporary = file_;
+    temporary += ".tmp";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        for (const std::string& line : lines) out << line << '\n';
+        if (!out.flush()) return false;
+    }
+    std::filesystem::rename(temporary, file_, error);
+    return !error;
+}
+
+}  // namespace veltarn::editor

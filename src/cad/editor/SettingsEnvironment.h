@@ -1,0 +1,31 @@
+// The user's settings kept between sessions in a small text file: the support search path.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/Environment.h"
+
+namespace veltarn::editor {
+
+// The file holds "name=value" lines in UTF-8; unknown lines are kept when it is rewritten.
+class SettingsEnvironment : public host::Environment {
+public:
+    // Reads `file` when it exists; a missing or unreadable file gives `defaultSupportPath`.
+    SettingsEnvironment(std::filesystem::path file, std::wstring defaultSupportPath);
+
+    // $XDG_CONFIG_HOME/veltarn/settings, else $HOME/.config/veltarn/settings.
+    static std::filesystem::path defaultFile();
+
+    std::wstring supportPath() const override { return supportPath_; }
+    // Keeps the path and writes the file (its folder is made when missing); false, with the path
+    // kept for this session only, when the file cannot be written. A path holding a line end is
+    // refused and changes nothing.
+    bool setSupportPath(const std::wstring& path) override;
+
+private:
+    std::filesystem::path file_;
+    std::wstring supportPath_;
+};
+
+}  // namespace veltarn::editor
