@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "TestHost.h"
+#include "cad/editor/CommandRegistry.h"
 #include "host/Utf8.h"
 
 using namespace veltarn;
@@ -79,7 +80,9 @@ TEST_F(CVeltarnAppTest, initRegistersTheSampleGroupThenTheModulesCommandsInTable
         L"VELTARN_ASSERT", L"VELTARN_SORT", L"VELTARN_SEL_CLASSIFIED", L"VELTARN_SEL_DUPLICATES",
         L"VELTARN_DEL_DUPLICATES", L"VELTARN_ROUND", L"VELTARN_TEMPLATE", L"VELTARN_TYPE", L"VELTARN_STAT",
         L"VELTARN_ABOUT", L"VELTARN_IMPL_INSRT", L"VELTARN_IMPL_TXT", L"VELTARN_IMPL_MTXT"};
-    const auto& commands = host_.commands.commands;
+    std::vector<editor::Command> commands;
+    for (const editor::Command* c : host_.commands.commands())
+        if (c->group == L"MyGroup" || c->group == L"VELTARN") commands.push_back(*c);
     ASSERT_EQ(commands.size(), 3 + expected.size());
 
     EXPECT_EQ(commands[0].globalName, L"MyCommand");
@@ -104,18 +107,13 @@ TEST_F(CVeltarnAppTest, initRegistersTheSampleGroupThenTheModulesCommandsInTable
 
 TEST_F(CVeltarnAppTest, unbuiltCommandsSayWhyTheyDoNothing) {
     app_.On_kInitAppMsg();
-    host_.commands.run(L"veltarn_classify");
-    EXPECT_EQ(host_.testEditor.output, L"Error: no file loaded.\n");
-
-    host_.testEditor.output.clear();
-    host_.commands.run(L"VELTARN_GUI");
-    EXPECT_EQ(host_.testEditor.output, L"Error: 'VELTARN_GUI' is not available yet.\n");
-
+    EXPECT_EQ(host_.type(L"veltarn_classify\nVELTARN_GUI\n"),
+              L"Command: veltarn_classify\nError: no file loaded.\n"
+              L"Command: VELTARN_GUI\nError: 'VELTARN_GUI' is not available yet.\n");
     // With a classifier the same command gets past the check and says it is not built.
     loadClassifier();
-    host_.testEditor.output.clear();
-    host_.commands.run(L"VELTARN_CLASSIFY");
-    EXPECT_EQ(host_.testEditor.output, L"Error: 'VELTARN_CLASSIFY' is not available yet.\n");
+    EXPECT_EQ(host_.type(L"_VELTARN_CLASSIFY\n"),
+              L"Command: _VELTARN_CLASSIFY\nError: 'VELTARN_CLASSIFY' is not available yet.\n");
 }
 
 TEST_F(CVeltarnAppTest, aConnectedHandlerRunsInsteadAndDoesItsOwnChecks) {
@@ -123,28 +121,22 @@ TEST_F(CVeltarnAppTest, aConnectedHandlerRunsInsteadAndDoesItsOwnChecks) {
     EXPECT_TRUE(app_.setHandler(L"veltarn_draw", [&] { ++runs; }));
     EXPECT_FALSE(app_.setHandler(L"VELTARN_NOSUCH", [] {}));
     app_.On_kInitAppMsg();
-    host_.commands.run(L"VELTARN_DRAW");
+    EXPECT_EQ(host_.type(L"veltarn_draw\n"), L"Command: veltarn_draw\n");
     EXPECT_EQ(runs, 1);
-    EXPECT_EQ(host_.testEditor.output, L"");
 }
 
 TEST_F(CVeltarnAppTest, sampleCommandsAndLispFunctionBehaveAsTheTemplateDefinesThem) {
     app_.On_kInitAppMsg();
-    EXPECT_TRUE(host_.commands.run(L"MyPickFirstLocal"));
-    ASSERT_EQ(host_.testEditor.selections.size(), 1u);
-    EXPECT_EQ(host_.testEditor.selections[0], host::SelectionMode::kImplied);
-    EXPECT_TRUE(host_.commands.run(L"MyCommand"));
-    EXPECT_TRUE(host_.commands.run(L"MySessionCmd"));
-    EXPECT_EQ(host_.testEditor.output, L"");
+    EXPECT_EQ(host_.type(L"MyPickFirstLocal\nMyCommandLocal\n_MySessionCmd\n"),
+              L"Command: MyPickFirstLocal\nCommand: MyCommandLocal\nCommand: _MySessionCmd\n");
+    EXPECT_EQ(host_.commandLine.selections, std::vector<host::SelectionMode>{host::SelectionMode::kImplied});
 
-    EXPECT_EQ(host_.commands.functions.count(L"MyLispFunction"), 0u);  // defined per document
+    // The lisp function is defined per document.
+    EXPECT_EQ(host_.commands.findFunction(L"MyLispFunction"), nullptr);
     app_.dispatch(AppMessage::kLoadDwg);
-    ASSERT_EQ(host_.commands.functions.count(L"MyLispFunction"), 1u);
-    host::ResultBuffer result;
-    EXPECT_EQ(host_.commands.functions[L"MyLispFunction"]({}, result), host::PromptStatus::kNormal);
-    EXPECT_TRUE(result.empty());  // nil
+    EXPECT_EQ(host_.type(L"(MyLispFunction)\n"), L"Command: (MyLispFunction)\nnil\n");
     app_.dispatch(AppMessage::kUnloadDwg);
-    EXPECT_EQ(host_.commands.functions.count(L"MyLispFunction"), 0u);
+    EXPECT_EQ(host_.commands.findFunction(L"MyLispFunction"), nullptr);
 }
 
 TEST_F(CVeltarnAppTest, unloadTearsDownInOrderAndSavesListsBesideTheClassifier) {
@@ -162,7 +154,9 @@ TEST_F(CVeltarnAppTest, unloadTearsDownInOrderAndSavesListsBesideTheClassifier) 
     EXPECT_TRUE(fs::exists(host::toUtf8(classifierPath_ + L".recent")));
     EXPECT_FALSE(state_.paletteSet || state_.propertiesPaletteSet || state_.classifier || state_.freeResourceLibrary);
     EXPECT_EQ(host_.commands.removedGroups, (std::vector<std::wstring>{L"VELTARN", L"MyGroup"}));
-    EXPECT_TRUE(host_.commands.commands.empty());
+    EXPECT_EQ(host_.type(L"veltarn_classify\nMyCommand\n"),
+              L"Command: veltarn_classify\nUnknown command \"VELTARN_CLASSIFY\".\n"
+              L"Command: MyCommand\nUnknown command \"MYCOMMAND\".\n");
 }
 
 TEST_F(CVeltarnAppTest, unloadWithoutClassifierWritesNoListsEvenWithPalettes) {
@@ -191,14 +185,14 @@ TEST_F(CVeltarnAppTest, unloadSavesOnlyThePagesThatExist) {
 TEST(ModuleEntry, loadsOnceAndIgnoresMessagesWhenNotLoaded) {
     TestHost host;
     EXPECT_EQ(veltarnEntryPoint(AppMessage::kLoadDwg, host), AppResult::kRetOK);  // not loaded yet
-    EXPECT_TRUE(host.commands.functions.empty());
+    EXPECT_EQ(host.commands.findFunction(L"MyLispFunction"), nullptr);
     ASSERT_EQ(veltarnEntryPoint(AppMessage::kInitApp, host), AppResult::kRetOK);
     EXPECT_NE(loadedApp(), nullptr);
     EXPECT_EQ(veltarnEntryPoint(AppMessage::kInitApp, host), AppResult::kRetError);
-    EXPECT_EQ(host.commands.commands.size(), 31u);  // the refused second load registered nothing
+    EXPECT_EQ(host.commands.commands().size(), 2u + 31u);  // GETVAR, SETVAR; the refused load added nothing
     EXPECT_EQ(veltarnEntryPoint(AppMessage::kUnloadApp, host), AppResult::kRetOK);
     EXPECT_EQ(loadedApp(), nullptr);
-    EXPECT_TRUE(host.commands.commands.empty());
+    EXPECT_EQ(host.commands.commands().size(), 2u);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "app/CVeltarnApp.h"
 #include "host/CommandFlags.h"
 #include "host/EditorReactor.h"
 #include "host/Format.h"
@@ -249,47 +248,6 @@ TEST_F(CommandLineTest, numberPointAndKeywordPromptsAskAgainUntilTheAnswerFits) 
               std::wstring::npos);
     run(L"numbers\n\n\n\n\n");
     EXPECT_EQ(results, L"0 0 0,0,0  none none none none");
-}
-
-// The module on the command line: its entry registers the commands; the sample lisp function and
-// an unbuilt command answer as they will in the program.
-class ModuleHost : public host::Host {
-public:
-    explicit ModuleHost(CommandLine& line, editor::CommandRegistry& registry, editor::SystemVariableTable& variables)
-        : line_(line), registry_(registry), variables_(variables) {}
-    host::Documents& documents() override { std::abort(); }
-    host::Editor& editor() override { return line_; }
-    host::CommandStack& commandStack() override { return registry_; }
-    host::SystemVariables& systemVariables() override { return variables_; }
-    host::Environment& environment() override { std::abort(); }
-    host::Dialogs& dialogs() override { std::abort(); }
-    host::Database* workingDatabase() override { return nullptr; }
-    std::unique_ptr<host::Database> readDrawing(const std::wstring&) override { return nullptr; }
-
-private:
-    CommandLine& line_;
-    editor::CommandRegistry& registry_;
-    editor::SystemVariableTable& variables_;
-};
-
-TEST_F(CommandLineTest, theModulesCommandsAndLispFunctionAnswerOnTheCommandLine) {
-    ModuleHost host(line_, registry_, variables_);
-    ModuleState state;
-    CVeltarnApp app(host, state);
-    app.On_kInitAppMsg();
-    app.On_kLoadDwgMsg();
-    EXPECT_EQ(run(L"(MyLispFunction)\nveltarn_sel_all 1 0 1\n_VELTARN_ABOUT\n(nosuch 1)\n"),
-              L"Command: (MyLispFunction)\nnil\n"
-              L"Command: veltarn_sel_all\nError: no file loaded.\n"
-              L"Command: 1\nUnknown command \"1\".\nCommand: 0\nUnknown command \"0\".\n"
-              L"Command: 1\nUnknown command \"1\".\n"
-              L"Command: _VELTARN_ABOUT\nError: 'VELTARN_ABOUT' is not available yet.\n"
-              L"Command: (nosuch 1)\nerror: no function definition: NOSUCH\n");
-    app.On_kUnloadDwgMsg();
-    app.On_kUnloadAppMsg();
-    EXPECT_EQ(run(L"veltarn_draw\n(MyLispFunction)\n"),
-              L"Command: veltarn_draw\nUnknown command \"VELTARN_DRAW\".\n"
-              L"Command: (MyLispFunction)\nerror: no function definition: MYLISPFUNCTION\n");
 }
 
 }  // namespace
