@@ -89,12 +89,11 @@ Database Database::createNew() {
 std::uint32_t Database::slotOf(Handle handle) const { return handle == kNoHandle ? kNoSlot : handles_.get(handle); }
 
 std::uint16_t Database::internType(std::string_view type) {
-    auto it = typeIds_.find(std::string(type));
-    if (it != typeIds_.end()) return it->second;
-    auto id = static_cast<std::uint16_t>(types_.size());
+    // A few dozen types at most: a scan beats hashing a fresh string per object.
+    for (std::size_t i = 0; i < types_.size(); ++i)
+        if (types_[i] == type) return static_cast<std::uint16_t>(i);
     types_.emplace_back(type);
-    typeIds_.emplace(std::string(type), id);
-    return id;
+    return static_cast<std::uint16_t>(types_.size() - 1);
 }
 
 UndoJournal::State Database::stateOf(std::uint32_t slot) const {
@@ -159,7 +158,11 @@ std::uint32_t Database::create(Slot slot, std::uint32_t anchor, TagList& tags) {
     slots_.push_back(slot);
     auto index = static_cast<std::uint32_t>(slots_.size() - 1);
     if (slot.handle != kNoHandle) handles_.set(slot.handle, index);
-    anchored_[anchor].push_back(index);
+    if (anchor != lastAnchor_ || !lastAnchored_) {
+        lastAnchor_ = anchor;
+        lastAnchored_ = &anchored_[anchor];
+    }
+    lastAnchored_->push_back(index);
     storeOwned(index, tags);
     registerSubHandles(index, tags);
     return index;
@@ -344,13 +347,18 @@ static void setIdentity(TagList& tags, Handle handle, int handleCode, Handle own
     else tags.insert(at, gc::kSoftPointer, formatHandle(owner));
 }
 
-Result<Handle> Database::appendEntity(Handle block, TagList tags) {
+static bool usable(const HandleIndex& index, Handle handle, Handle next) {
+    return handle != kNoHandle && handle < next && index.get(handle) == HandleIndex::kNone;
+}
+
+Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset) {
     int b = blockIndexOf(block);
     if (b < 0) return dxf::makeError(name() + ": cannot add an entity: no block " + formatHandle(block));
     BlockEntry& entry = blocks_[static_cast<std::size_t>(b)];
     if (entry.anchor == kNoSlot) return dxf::makeError(name() + ": cannot add an entity: the drawing has no ENTITIES section");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
-    Handle handle = allocateHandle();
+    if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
+    Handle handle = preset != kNoHandle ? preset : allocateHandle();
     setIdentity(tags, handle, gc::kHandle, block, !r12_);
     if (entry.paper && entry.inEntitiesSection) tags.setIn("AcDbEntity", gc::kPaperSpace, "1");
     Slot slot;
@@ -459,13 +467,14 @@ Result<Handle> Database::addRecord(std::string_view table, TagList tags) {
 
 // --- Objects section --------------------------------------------------------------------------
 
-Result<Handle> Database::addObject(TagList tags) {
+Result<Handle> Database::addObject(TagList tags, Handle preset) {
     std::uint32_t anchor = sectionEnd_[static_cast<int>(Section::Objects)];
     if (r12_ || anchor == kNoSlot)
         return dxf::makeError(name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an object must start with its type (group code 0)");
+    if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
     Slot slot;
-    slot.handle = allocateHandle();
+    slot.handle = preset != kNoHandle ? preset : allocateHandle();
     slot.section = Section::Objects;
     if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(slot.handle);
     else tags.insert(1, gc::kHandle, formatHandle(slot.handle));
@@ -480,10 +489,16 @@ Handle Database::namedObjectsDictionary() const {
 
 std::optional<std::string> Database::headerVariable(std::string_view variable) const {
     if (header_ == kNoSlot) return std::nullopt;
-    const Slot& s = slots_[header_];
-    for (std::uint32_t i = s.begin; i + 1 < s.begin + s.size; ++i)
-        if (file_->is(i, gc::kVariableName, variable)) return file_->text(i + 1);
-    return std::nullopt;
+    if (headerValues_.empty()) {
+        // Built on first use: entity factories ask for $CLAYER once per new entity.
+        const Slot& s = slots_[header_];
+        for (std::uint32_t i = s.begin; i + 1 < s.begin + s.size; ++i)
+            if (file_->code(i) == gc::kVariableName) headerValues_.emplace(file_->text(i), file_->text(i + 1));
+        headerValues_.emplace("", "");  // marks the map as built
+    }
+    auto it = headerValues_.find(std::string(variable));
+    if (it == headerValues_.end()) return std::nullopt;
+    return it->second;
 }
 
 // --- Undo -------------------------------------------------------------------------------------

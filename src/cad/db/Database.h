@@ -122,7 +122,9 @@ public:
     Handle blockOf(Handle entity) const;
     // Adds an entity at the end of a block. `tags` starts with its "0" type; the handle (5) and,
     // in 2000+ drawings, the owner (330) are set here. Fails on an unknown block.
-    Result<Handle> appendEntity(Handle block, TagList tags);
+    // `handle` may be one taken with allocateHandle() beforehand (to point at the entity from
+    // objects made with it); by default a new one is taken.
+    Result<Handle> appendEntity(Handle block, TagList tags, Handle handle = kNoHandle);
     // Creates a block (record, BLOCK and ENDBLK). Fails when the name is taken.
     Result<Handle> addBlock(std::string_view name, const Point3& base = {});
 
@@ -137,7 +139,7 @@ public:
 
     // --- Objects section ----------------------------------------------------------------------
     // Adds an object at the end of the OBJECTS section; fails in R12 drawings, which have none.
-    Result<Handle> addObject(TagList tags);
+    Result<Handle> addObject(TagList tags, Handle handle = kNoHandle);
     // The root (named objects) dictionary; kNoHandle in R12 drawings.
     Handle namedObjectsDictionary() const;
 
@@ -206,10 +208,12 @@ private:
     std::vector<Slot> slots_;
     std::uint32_t fileSlots_ = 0;  // slots [0, fileSlots_) are the file in order
     std::vector<std::string> types_;
-    std::unordered_map<std::string, std::uint16_t> typeIds_;
     HandleIndex handles_;
     TagArena arena_;
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> anchored_;
+    std::uint32_t lastAnchor_ = kNoSlot;  // anchored_ lookups repeat: bulk creation adds to one place
+    std::vector<std::uint32_t>* lastAnchored_ = nullptr;
+    mutable std::unordered_map<std::string, std::string> headerValues_;
     std::vector<BlockEntry> blocks_;
     std::vector<TableEntry> tables_;
     int modelSpace_ = -1, paperSpace_ = -1;

@@ -12,6 +12,11 @@ public:
 
     void run() {
         const std::size_t n = file_.size();
+        // One slot per object: count them first so that the index is allocated once, exactly.
+        std::size_t objects = 0;
+        for (const dxf::Tag& tag : file_.tags()) objects += tag.code == gc::kStructure;
+        db_.slots_.reserve(objects + 8);
+        db_.handles_.reserve(objects + 16);
         std::size_t i = 0;
         while (i < n) {
             if (file_.is(i, gc::kStructure, "SECTION") && i + 1 < n) {

@@ -5,6 +5,9 @@
 #include "cad/db/GroupCodes.h"
 #include "cad/dxf/TagWriter.h"
 
+#include <charconv>
+#include <cstring>
+
 namespace veltarn::db {
 
 class DatabaseWriter {
@@ -37,8 +40,7 @@ private:
         if (slot.flags & Database::kErased) return;
         if (slot.flags & Database::kOwned) {
             flush();
-            TagList tags = TagList::decode(db_.arena_.at(slot.begin, slot.size));
-            for (const TagValue& tag : tags) writer_.write(tag.code, tag.value);
+            writeOwned(db_.arena_.at(slot.begin, slot.size));
             return;
         }
         if (s == db_.header_ && rewriteSeed_) {
@@ -54,6 +56,61 @@ private:
         runEnd_ = slot.begin + slot.size;
     }
 
+    // Owned tags straight from their blob. ASCII output of plain values is formatted here, the
+    // way TagWriter formats it; anything else (binary files, text needing a code page, a value
+    // the writer must refuse) goes through TagWriter.
+    void writeOwned(std::string_view blob) {
+        const dxf::WriteFormat& format = writer_.format();
+        bool ascii = format.form == dxf::FileForm::Ascii;
+        bool utf8 = format.codec.isUtf8();
+        buffer_.clear();
+        std::size_t at = 0;
+        while (at + 4 <= blob.size()) {
+            std::int16_t code;
+            std::uint16_t shortLength;
+            std::memcpy(&code, blob.data() + at, 2);
+            std::memcpy(&shortLength, blob.data() + at + 2, 2);
+            at += 4;
+            std::size_t length = shortLength;
+            if (shortLength == 0xFFFF) {
+                std::uint32_t longLength;
+                std::memcpy(&longLength, blob.data() + at, 4);
+                length = longLength;
+                at += 4;
+            }
+            std::string_view value = blob.substr(at, length);
+            at += length;
+            if (ascii && plain(value, utf8)) {
+                appendCode(buffer_, code);
+                buffer_ += format.lineEnd;
+                buffer_ += value;
+                buffer_ += format.lineEnd;
+            } else {
+                writer_.writeBytes(buffer_);
+                buffer_.clear();
+                writer_.write(code, value);
+            }
+        }
+        writer_.writeBytes(buffer_);
+    }
+
+    // "%3d", without printf's cost on millions of tags.
+    static void appendCode(std::string& out, int code) {
+        char digits[8];
+        auto [end, ec] = std::to_chars(digits, digits + sizeof digits, code);
+        (void)ec;  // a 16-bit code always fits
+        for (auto length = end - digits; length < 3; ++length) out += ' ';
+        out.append(digits, end);
+    }
+
+    static bool plain(std::string_view value, bool utf8) {
+        for (char c : value) {
+            if (c == '\r' || c == '\n') return false;
+            if (!utf8 && static_cast<unsigned char>(c) >= 0x80) return false;
+        }
+        return true;
+    }
+
     void flush() {
         if (runBegin_ != runEnd_) writer_.copy(file_, runBegin_, runEnd_);
         runBegin_ = runEnd_ = 0;
@@ -64,6 +121,7 @@ private:
     dxf::TagWriter writer_;
     std::uint32_t runBegin_ = 0, runEnd_ = 0;
     bool rewriteSeed_ = false;
+    std::string buffer_;
     Handle seed_ = 0;
 };
 

@@ -69,6 +69,28 @@ bool releaseExtensionDictionary(Database& db, Handle object) {
     return true;
 }
 
+Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entity, std::string_view key, const ResultBuffer& values) {
+    if (db.isR12()) return dxf::makeError(db.name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (entity.empty() || entity[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
+    TagList xrecord{{0, "XRECORD"}, {gc::kHandle, ""}, {gc::kSoftPointer, ""}, {gc::kSubclass, "AcDbXrecord"}, {gc::kHardOwnerFlag, "1"}};
+    if (auto made = appendValues(xrecord, values); !made) return made.error();
+    Handle handle = db.allocateHandle(), dictionary = db.allocateHandle(), record = db.allocateHandle();
+    std::size_t at = entity.size() > 1 && entity[1].code == gc::kHandle ? 2 : 1;
+    entity.insert(at, gc::kControlString, kXdictionaryGroup);
+    entity.insert(at + 1, gc::kHardOwner, formatHandle(dictionary));
+    entity.insert(at + 2, gc::kControlString, kGroupEnd);
+    auto added = db.appendEntity(block, std::move(entity), handle);
+    if (!added) return added;
+    TagList dict{{0, "DICTIONARY"}, {gc::kHandle, formatHandle(dictionary)}, {gc::kSoftPointer, formatHandle(handle)},
+                 {gc::kSubclass, "AcDbDictionary"}, {gc::kHardOwnerFlag, "1"}, {gc::kCloningFlag, "1"},
+                 {gc::kOtherName, std::string(key)}, {gc::kSoftOwner, formatHandle(record)}};
+    if (auto made = db.addObject(std::move(dict), dictionary); !made) return made.error();
+    xrecord[1].value = formatHandle(record);
+    xrecord[2].value = formatHandle(dictionary);
+    if (auto made = db.addObject(std::move(xrecord), record); !made) return made.error();
+    return handle;
+}
+
 static void eraseOwned(Database& db, Handle object, int depth) {
     if (depth > 64 || db.status(object) != OpenStatus::Ok) return;  // guards against ownership cycles in damaged files
     if (Handle xdictionary = extensionDictionary(db, object); xdictionary != kNoHandle) eraseOwned(db, xdictionary, depth + 1);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cad/db/Database.h"
+#include "cad/db/Xrecord.h"
 
 namespace veltarn::db {
 
@@ -14,6 +15,11 @@ Result<Handle> createExtensionDictionary(Database& db, Handle object);
 // Releases the extension dictionary when it is empty: the dictionary is erased and the group
 // removed. Returns false (and changes nothing) when it still holds entries or there is none.
 bool releaseExtensionDictionary(Database& db, Handle object);
+
+// Appends an entity that carries, from the start, an extension dictionary with one xrecord under
+// `key`: the path for many new objects with their data, written once instead of edited three
+// times. Returns the entity's handle.
+Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entity, std::string_view key, const ResultBuffer& values);
 
 // Erases an entity or object and cleans what refers to it: its entry in an owning dictionary,
 // its extension dictionary with everything that dictionary owns, and (for a dictionary) the
