@@ -41,6 +41,22 @@ std::wstring joinedList(const std::vector<std::wstring>& items, std::wstring_vie
     return text;
 }
 
+// A tab inside a value would start a new column; the reader joins a backslash-tab back into one.
+std::wstring escaped(std::wstring text) {
+    for (std::size_t at = 0; (at = text.find(L'\t', at)) != std::wstring::npos; at += 2) text.insert(at, 1, L'\\');
+    return text;
+}
+
+// A list or range item: its own ":" and "," must not split it when read back.
+std::wstring escapedItem(const std::wstring& item) {
+    std::wstring text;
+    for (wchar_t c : item) {
+        if (c == L':' || c == L',') text.push_back(L'\\');
+        text.push_back(c);
+    }
+    return text;
+}
+
 void writeProperties(const ClassDef& def, int decimals, std::wstring& out) {
     const ObjectProperties& properties = def.properties;
     for (std::wstring_view keyword : kPropertyOrder) {
@@ -52,10 +68,10 @@ void writeProperties(const ClassDef& def, int decimals, std::wstring& out) {
         if (texts.empty()) continue;
         out += L"\t\tobj_prop\t";
         out += keyword;
-        out += L"\t" + texts.front();
+        out += L"\t" + escaped(texts.front());
         if (texts.size() > 1) {
             texts.erase(texts.begin());
-            out += L"\t" + joinedList(texts, L",");
+            out += L"\t" + escaped(joinedList(texts, L","));
         }
         out += L"\n";
     }
@@ -83,7 +99,7 @@ void writeField(const FieldDef& field, const std::wstring& realFormat, std::wstr
         out += L"\t\tod_key\t" + field.name + L"\n";
         return;
     }
-    out += L"\t\tod_fld\t" + field.name + L"\t" + (field.description.empty() ? L" " : field.description) + L"\t";
+    out += L"\t\tod_fld\t" + field.name + L"\t" + (field.description.empty() ? L" " : escaped(field.description)) + L"\t";
     if (field.attributes & kAttributeConst) out += L"const ";
     if (field.attributes & kAttributeNotEmpty) out += L"notempty ";
     if (field.attributes & kAttributeRequired) out += L"required ";
@@ -92,13 +108,15 @@ void writeField(const FieldDef& field, const std::wstring& realFormat, std::wstr
     if (field.type == FieldType::Integer || field.type == FieldType::Real || field.type == FieldType::Character) {
         out += fieldTypeName(field.type);
     }
-    if (field.hasDefault() || !field.values.empty()) out += L"\t" + defaultText(field, realFormat);
+    if (field.hasDefault() || !field.values.empty()) out += L"\t" + escaped(defaultText(field, realFormat));
     if (!field.values.empty()) {
         out += L"\t";
-        if (field.kind == ValueKind::Range && field.values.size() == 2) {
-            out += field.values[0] + L":" + field.values[1];
+        std::vector<std::wstring> items;
+        for (const auto& value : field.values) items.push_back(escapedItem(value));
+        if (field.kind == ValueKind::Range && items.size() == 2) {
+            out += escaped(items[0] + L":" + items[1]);
         } else {
-            out += joinedList(field.values, L", ");
+            out += escaped(joinedList(items, L", "));
         }
     }
     out += L"\n";

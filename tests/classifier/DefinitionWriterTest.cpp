@@ -1,6 +1,11 @@
 #include "classifier/DefinitionWriter.h"
 #include "classifier/PropertyKeywords.h"
 #include "cad/editor/SystemVariableTable.h"
+#include "classifier/ClassifierReader.h"
+#include "host/Utf8.h"
+
+#include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -112,6 +117,44 @@ TEST(DefinitionWriter, DecimalsFollowTheDrawingsLinearPrecision) {
     std::wstring icon;
     std::wstring text = writeDefinition(def, nullptr, linearPrecision(variables), icon);
     EXPECT_NE(text.find(L"\tcircleRadius\t2.3\n"), std::wstring::npos) << text;
+}
+
+// What the writer writes, the reader reads back to the same definition.
+TEST(DefinitionWriter, ReaderReadsBackWhatItWrites) {
+    const std::wstring fixtures = host::fromUtf8(VELTARN_SOURCE_DIR "/tests/classifier/data/");
+    std::wstring messages;
+    ClassifierReader reader([&](const std::wstring& text) { messages += text; });
+    for (const wchar_t* name : {L"good_tables.txt", L"good_text_level.txt"}) {
+        Classifier original = reader.read(fixtures + name);
+        ASSERT_FALSE(reader.failed()) << host::toUtf8(messages);
+
+        std::wstring text;
+        for (const auto& [key, def] : original.objects()) {
+            std::wstring icon;
+            text += writeDefinition(def, &def, 6, icon);
+        }
+        auto path = std::filesystem::temp_directory_path() / "veltarn_written_classifier.txt";
+        std::ofstream(path, std::ios::binary) << host::toUtf8(text);
+        Classifier reread = reader.read(host::fromUtf8(path.string()));
+        std::filesystem::remove(path);
+        ASSERT_FALSE(reader.failed()) << host::toUtf8(messages) << host::toUtf8(text);
+
+        ASSERT_EQ(reread.objectCount(), original.objectCount());
+        for (const auto& [key, def] : original.objects()) {
+            const ClassDef* back = reread.find(key);
+            ASSERT_NE(back, nullptr) << host::toUtf8(key);
+            EXPECT_EQ(back->name, def.name);
+            EXPECT_EQ(back->flag, def.flag);
+            EXPECT_EQ(back->number, def.number);
+            EXPECT_EQ(back->types, def.types);
+            EXPECT_EQ(back->properties, def.properties) << host::toUtf8(text);
+            ASSERT_EQ(back->tables.size(), def.tables.size());
+            for (std::size_t t = 0; t < def.tables.size(); ++t) {
+                EXPECT_TRUE(back->tables[t].isIdenticalTo(def.tables[t])) << host::toUtf8(text);
+            }
+        }
+    }
+    EXPECT_EQ(messages, L"");
 }
 
 }  // namespace
