@@ -12,17 +12,17 @@ namespace {
 // snprintf of one numeric directive in the "C" locale (uselocale is per thread, so the process
 // locale and other threads are not touched).
 template <class T>
-std::string printNumber(const std::string& spec, T value) {
+std::string printNumber(const std::string& directive, T value) {
     static locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
     locale_t previous = cLocale ? uselocale(cLocale) : static_cast<locale_t>(0);
     char small[64];
-    int length = std::snprintf(small, sizeof small, spec.c_str(), value);
+    int length = std::snprintf(small, sizeof small, directive.c_str(), value);
     std::string out;
     if (length >= 0 && static_cast<std::size_t>(length) < sizeof small) {
         out.assign(small, static_cast<std::size_t>(length));
     } else if (length >= 0) {
         std::vector<char> big(static_cast<std::size_t>(length) + 1);
-        std::snprintf(big.data(), big.size(), spec.c_str(), value);
+        std::snprintf(big.data(), big.size(), directive.c_str(), value);
         out.assign(big.data(), static_cast<std::size_t>(length));
     }
     if (cLocale) uselocale(previous);
@@ -130,22 +130,22 @@ std::wstring formatArgs(std::wstring_view format, std::initializer_list<FormatAr
             continue;
         }
         const wchar_t conversion = format[i++];
-        std::string spec = "%" + flags;
-        if (hasWidth) spec += std::to_string(width);
-        if (hasPrecision) spec += "." + std::to_string(precision);
+        std::string directive = "%" + flags;
+        if (hasWidth) directive += std::to_string(width);
+        if (hasPrecision) directive += "." + std::to_string(precision);
         const bool leftAlign = flags.find('-') != std::string::npos;
 
         switch (conversion) {
             case L'd': case L'i':
-                out += widen(printNumber(spec + "lld", asInteger(*next++)));
+                out += widen(printNumber(directive + "lld", asInteger(*next++)));
                 break;
             case L'u': case L'x': case L'X': case L'o':
                 // Unsigned conversions see the 32-bit pattern, as printf does with an int argument.
-                out += widen(printNumber(spec + "ll" + static_cast<char>(conversion),
+                out += widen(printNumber(directive + "ll" + static_cast<char>(conversion),
                                          static_cast<unsigned long long>(static_cast<unsigned>(asInteger(*next++)))));
                 break;
             case L'f': case L'F': case L'e': case L'E': case L'g': case L'G': case L'a': case L'A':
-                out += widen(printNumber(spec + static_cast<char>(conversion), asReal(*next++)));
+                out += widen(printNumber(directive + static_cast<char>(conversion), asReal(*next++)));
                 break;
             case L'c':
                 out += pad(std::wstring(1, static_cast<wchar_t>(asInteger(*next++))), width, leftAlign);

@@ -15,9 +15,9 @@ std::wstring widen(const char* s) { return std::wstring(s, s + std::char_traits<
 
 // What C's printf writes, for comparison.
 template <class T>
-std::wstring cPrintf(const char* spec, T value) {
+std::wstring cPrintf(const char* directive, T value) {
     char buffer[512];
-    std::snprintf(buffer, sizeof buffer, spec, value);
+    std::snprintf(buffer, sizeof buffer, directive, value);
     return widen(buffer);
 }
 
@@ -28,15 +28,15 @@ TEST(Format, realsMatchPrintfExactly) {
                              2.0000005, 1e20, 1e-20, 123456789.123456789,
                              -std::numeric_limits<double>::max(), std::numeric_limits<double>::infinity()};
     const char* formats[] = {"%lf", "%.12lf", "%.0lf", "%.3lf", "%f", "%e", "%g", "%10.2f", "%-10.2f|", "%+f"};
-    for (const char* spec : formats)
-        for (double v : values) EXPECT_EQ(format(widen(spec), v), cPrintf(spec, v)) << spec << " " << v;
+    for (const char* directive : formats)
+        for (double v : values) EXPECT_EQ(format(widen(directive), v), cPrintf(directive, v)) << directive << " " << v;
 }
 
 TEST(Format, integersMatchPrintfExactly) {
     const int values[] = {0, 1, -1, 42, 2147483647, -2147483647 - 1};
     const char* formats[] = {"%i", "%d", "%5i", "%-5i|", "%05i", "%+i", "%x", "%X", "%u", "%o"};
-    for (const char* spec : formats)
-        for (int v : values) EXPECT_EQ(format(widen(spec), v), cPrintf(spec, v)) << spec << " " << v;
+    for (const char* directive : formats)
+        for (int v : values) EXPECT_EQ(format(widen(directive), v), cPrintf(directive, v)) << directive << " " << v;
 }
 
 TEST(Format, moduleMessagesComeOutAsPrintfWritesThem) {
