@@ -1,4 +1,5 @@
 #include "classifier/ClassDef.h"
+#include "classifier/DrawingTables.h"
 #include "classifier/Classifier.h"
 #include "classifier/EntityType.h"
 #include "classifier/FieldDef.h"
@@ -132,6 +133,24 @@ TEST(TableDef, CompatibleTablesAgreeInFieldNamesOrderAndTypes) {
     same.name = L"roads";
     EXPECT_TRUE(a.isIdenticalTo(same));
     EXPECT_NE(a.findField(L"WIDTH"), nullptr);
+}
+
+TEST(DrawingTables, RegisteredDefinitionMustHaveTheSameFieldNamesAndTypes) {
+    TableDef table{L"Roads", {makeKeyField(L"id"), field(FieldType::Real, ValueKind::Default, FieldValue::fromReal(5), {}, L"Width")}};
+    auto named = [](FieldValue value, const wchar_t* name) {
+        value.setName(name);
+        return value;
+    };
+    // A drawing stores each field as its name and a value of its type; defaults do not matter.
+    ObjectDataRecord registered{L"ROADS", {named(FieldValue::fromText(L""), L"ID"), named(FieldValue::fromReal(0), L"width")}};
+    EXPECT_TRUE(agreesWithDefinition(table, registered));
+
+    ObjectDataRecord integerWidth{L"Roads", {named(FieldValue::fromText(L""), L"id"), named(FieldValue::fromInteger(0), L"width")}};
+    EXPECT_FALSE(agreesWithDefinition(table, integerWidth));
+    ObjectDataRecord renamed{L"Roads", {named(FieldValue::fromText(L""), L"id"), named(FieldValue::fromReal(0), L"breadth")}};
+    EXPECT_FALSE(agreesWithDefinition(table, renamed));
+    ObjectDataRecord shorter{L"Roads", {named(FieldValue::fromText(L""), L"id")}};
+    EXPECT_FALSE(agreesWithDefinition(table, shorter));
 }
 
 TEST(ClassDef, TypeListAndValidity) {

@@ -1,0 +1,23 @@
+#include "classifier/DrawingTables.h"
+
+#include "data/ObjectDataTables.h"
+#include "host/LowerCase.h"
+
+namespace veltarn {
+
+bool agreesWithDefinition(const TableDef& table, const ObjectDataRecord& definition) {
+    if (table.fields.size() != definition.fields.size()) return false;
+    for (std::size_t i = 0; i < table.fields.size(); ++i) {
+        if (table.fields[i].type != definition.fields[i].type()) return false;
+        if (!host::equalsIgnoringCase(table.fields[i].name, definition.fields[i].name())) return false;
+    }
+    return true;
+}
+
+bool matchesDrawingTable(host::Database& db, const TableDef& table) {
+    ObjectDataRecord definition;
+    if (!readTableDefinition(db, table.name, definition)) return true;
+    return agreesWithDefinition(table, definition);
+}
+
+}  // namespace veltarn
