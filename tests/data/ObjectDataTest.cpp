@@ -72,6 +72,17 @@ ObjectId extensionEntry(host::Database& db, ObjectId entity, const std::wstring&
     return dictionary ? dictionary->find(key) : ObjectId{};
 }
 
+// Saves the drawing and has the independent auditor check it: empty when it finds nothing.
+std::string auditSaved(TestDrawing& drawing, const std::string& name) {
+    std::filesystem::path tool = std::filesystem::path(VELTARN_SOURCE_DIR) / "../shared/tools/audit_dxf.py";
+    if (!test::haveEzdxf() || !std::filesystem::exists(tool)) return {};
+    std::filesystem::path file = test::scratchDir(name) / "written.dxf";
+    drawing.save(file);
+    std::string output;
+    if (test::runPython(tool.string() + " " + file.string(), &output) == 0) return {};
+    return output.empty() ? "audit failed" : output;
+}
+
 const wchar_t* const kMainStreet =
     L"ROADS: NAME=Character:Main street; LANES=Integer:2; WIDTH=Real:7.5; AXIS=Point:1.000000,2.000000,0.000000;";
 const wchar_t* const kSideRoad =
@@ -375,6 +386,7 @@ TEST_F(Writing, removingTheOnlyRecordReleasesTheExtensionDictionary) {
     std::vector<std::wstring> tables;
     listTables(db(), kListTablesMode, tables);
     EXPECT_EQ(tables, std::vector<std::wstring>{L"ROADS"});
+    EXPECT_EQ(auditSaved(*drawing_, "released"), "");
 }
 
 // ---- the other direction: what we write, an independent reader reads ----
@@ -401,11 +413,13 @@ TEST(Interop, anIndependentReaderSeesWhatWeWrote) {
     ObjectData cursor(db);
     ObjectDataRecord record;
     ASSERT_EQ(cursor.open(drawing->entityOnLayer(L"TWO_RECORDS")), kOdOk);
+    ASSERT_EQ(cursor.read(record), kOdOk);  // the field count comes with the first read
     cursor.next();
     ASSERT_EQ(cursor.read(record), kOdOk);
     record.fields[2].setReal(2.75);
     ASSERT_EQ(cursor.update(record), kOdOk);
 
+    EXPECT_EQ(auditSaved(*drawing, "interop-audit"), "");
     std::filesystem::path dir = test::scratchDir("interop");
     drawing->save(dir / "written.dxf");
     std::string output;
