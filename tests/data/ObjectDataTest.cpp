@@ -270,6 +270,38 @@ TEST_F(Writing, theDictionaryIsMadeOnFirstRequestOnly) {
     EXPECT_EQ(named->find(L"ODEMUDATA"), made);
 }
 
+// Records the locks taken on the one document it knows.
+class LockRecorder : public host::Documents, public host::Document {
+public:
+    explicit LockRecorder(host::Database& db) : db_(db) {}
+
+    host::Database& database() override { return db_; }
+    std::wstring fileName() const override { return L"test.dxf"; }
+    host::Document* current() override { return this; }
+    host::Document* documentOf(const host::Database& db) override { return &db == &db_ ? this : nullptr; }
+    void sendStringToExecute(host::Document&, const std::wstring&, bool, bool, bool) override {}
+    host::DocumentLock lock(host::Document&, host::LockMode mode) override {
+        events.push_back(mode == host::LockMode::kExclusiveWrite ? "lock exclusive" : "lock shared");
+        return host::DocumentLock([this] { events.push_back("unlock"); });
+    }
+
+    std::vector<std::string> events;
+
+private:
+    host::Database& db_;
+};
+
+TEST_F(Writing, theDictionaryIsMadeUnderAnExclusiveLockOfItsDocument) {
+    auto fresh = TestDrawing::createNew();
+    LockRecorder documents(fresh->db());
+    ObjectId made = getObjectDataDictionary(fresh->db(), &documents);
+    ASSERT_FALSE(made.isNull());
+    EXPECT_EQ(documents.events, (std::vector<std::string>{"lock exclusive", "unlock"}));
+    // Once made, it is only looked up: no further lock.
+    EXPECT_EQ(getObjectDataDictionary(fresh->db(), &documents), made);
+    EXPECT_EQ(documents.events.size(), 2u);
+}
+
 TEST_F(Writing, aDrawingAtAReusedAddressGetsItsOwnDictionary) {
     // Drawings made and dropped in turn tend to reuse an address; a cached id must not leak across.
     for (int i = 0; i < 4; ++i) {
