@@ -66,6 +66,7 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     entries_.clear();
     position_ = 0;
     records_ = {};
+    definition_ = {};
     offset_ = 0;
     fieldCount_ = 0;
     end_ = false;
@@ -92,7 +93,10 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
         while (standsOnEntry() && currentKey() != *filter_) ++position_;
         if (!standsOnEntry()) end_ = true;
     }
-    if (standsOnEntry()) records_ = entries_[position_].second;
+    if (standsOnEntry()) {
+        records_ = entries_[position_].second;
+        definition_ = tables->find(currentKey());
+    }
     return kOdOk;
 }
 
@@ -100,13 +104,16 @@ int ObjectData::read(ObjectDataRecord& record) {
     if (!standsOnEntry()) return kOdCannotRead;
     if (!db_.openDictionary(extensionDictionary_, OpenMode::kRead)) return kOdCannotRead;
     record.clear();
-    ObjectDataRecord definition;
-    if (!readTableDefinition(db_, currentKey(), definition, documents_)) return kOdCannotRead;
-    record.table = currentKey();
-    record.fields.resize(definition.fields.size());
-    for (std::size_t i = 0; i < definition.fields.size(); ++i) {
-        record.fields[i].setName(definition.fields[i].name());
+    // Field names are the first of each (name, value) pair of the definition.
+    host::ResultBuffer definition;
+    {
+        auto xrecord = db_.openXrecord(definition_, OpenMode::kRead);
+        if (!xrecord) return kOdCannotRead;
+        definition = xrecord->data();
     }
+    record.table = currentKey();
+    record.fields.resize(definition.size() / 2);
+    for (std::size_t i = 0; i < record.fields.size(); ++i) record.fields[i].setName(definition[2 * i].text());
     fieldCount_ = static_cast<std::int32_t>(record.fields.size());
 
     auto xrecord = db_.openXrecord(records_, OpenMode::kRead);
@@ -136,7 +143,7 @@ int ObjectData::update(const ObjectDataRecord& record) {
 int ObjectData::remove() {
     if (!standsOnEntry()) return kOdNoData;
     ObjectDataRecord definition;
-    if (!readTableDefinition(db_, currentKey(), definition, documents_)) return kOdCannotRead;
+    if (!readTableDefinition(db_, definition_, definition)) return kOdCannotRead;
     std::size_t fieldCount = definition.fields.size();
 
     auto xrecord = db_.openXrecord(records_, OpenMode::kWrite);

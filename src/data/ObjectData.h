@@ -86,6 +86,7 @@ private:
     std::vector<host::DbDictionary::Entry> entries_;  // the iteration over the dictionary
     std::size_t position_ = 0;
     host::ObjectId records_;
+    host::ObjectId definition_;  // of the current entry's table, looked up when the cursor opens
     std::size_t offset_ = 0;
     std::int32_t fieldCount_ = 0;
     bool end_ = false;

@@ -133,11 +133,16 @@ bool readTableDefinition(Database& db, const std::wstring& table, ObjectDataReco
                          host::Documents* documents) {
     definition.clear();
     auto dictionary = openObjectDataDictionary(db, OpenMode::kRead, documents);
-    if (!dictionary) return false;
-    auto xrecord = db.openXrecord(dictionary->find(table), OpenMode::kRead);
+    if (!dictionary || !readTableDefinition(db, dictionary->find(table), definition)) return false;
+    definition.table = table;
+    return true;
+}
+
+bool readTableDefinition(Database& db, ObjectId id, ObjectDataRecord& definition) {
+    definition.clear();
+    auto xrecord = db.openXrecord(id, OpenMode::kRead);
     if (!xrecord) return false;
     host::ResultBuffer chain = xrecord->data();
-    definition.table = table;
     definition.fields.resize(chain.size() / 2);
     for (std::size_t i = 0; i < definition.fields.size(); ++i) {
         FieldValue& field = definition.fields[i];

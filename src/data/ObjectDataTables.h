@@ -60,5 +60,7 @@ int listTables(host::Database& db, int mode, std::vector<std::wstring>& tables);
 // False, with `definition` emptied, when the drawing has no such definition or it is no xrecord.
 bool readTableDefinition(host::Database& db, const std::wstring& table, ObjectDataRecord& definition,
                          host::Documents* documents = nullptr);
+// The same for the definition xrecord `id`, already looked up; the record's table is left empty.
+bool readTableDefinition(host::Database& db, host::ObjectId id, ObjectDataRecord& definition);
 
 }  // namespace veltarn

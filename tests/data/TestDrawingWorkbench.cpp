@@ -15,7 +15,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <unordered_map>
 
 namespace veltarn::test {
 
@@ -68,7 +68,7 @@ public:
     }
 
     db::Database& raw() { return db_; }
-    std::map<db::Handle, OpenCounts>& opens() { return opens_; }
+    std::unordered_map<db::Handle, OpenCounts>& opens() { return opens_; }
 
     std::wstring fileName() const override { return host::fromUtf8(db_.name()); }
     ObjectId namedObjectsDictionary() const override { return {db_.namedObjectsDictionary()}; }
@@ -100,14 +100,14 @@ public:
 
 private:
     db::Database db_;
-    std::map<db::Handle, OpenCounts> opens_;
+    std::unordered_map<db::Handle, OpenCounts> opens_;
 };
 
 template <class Base>
 Object<Base>::~Object() {
-    OpenCounts& counts = drawing_.opens()[handle_];
-    if (mode_ == OpenMode::kWrite) counts.writer = false;
-    else --counts.readers;
+    auto it = drawing_.opens().find(handle_);
+    if (mode_ == OpenMode::kRead && --it->second.readers > 0) return;
+    drawing_.opens().erase(it);  // closed by all: keep the table as small as the open objects
 }
 
 template <class Base>
