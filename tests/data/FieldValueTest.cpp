@@ -34,24 +34,15 @@ TEST_P(LeadingInteger, readsTheLeadingDecimalInteger) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, LeadingInteger, testing::Values(
-    IntegerRow{"plain", L"42", 42},
     IntegerRow{"trailingGarbage", L"12abc", 12},
     IntegerRow{"noDigits", L"abc", 0},
-    IntegerRow{"empty", L"", 0},
     IntegerRow{"leadingSpaces", L"   42", 42},
     IntegerRow{"leadingTabAndNewline", L"\t\n-7", -7},
-    IntegerRow{"plusSign", L"+5", 5},
     IntegerRow{"minusZero", L"-0", 0},
     IntegerRow{"spaceAfterSign", L"- 5", 0},
     IntegerRow{"decimalStopsAtPoint", L"2.99", 2},
-    IntegerRow{"negativeDecimalStopsAtPoint", L"-2.99", -2},
     IntegerRow{"exponentNotRead", L"1e3", 1},
-    IntegerRow{"hexNotRead", L"0x1A", 0},
-    IntegerRow{"leadingZeros", L"007", 7},
-    IntegerRow{"largest", L"2147483647", kIntMax},
-    IntegerRow{"smallest", L"-2147483648", kIntMin},
     IntegerRow{"overflowSaturates", L"2147483648", kIntMax},
-    IntegerRow{"hugeOverflowSaturates", L"99999999999999999999999", kIntMax},
     IntegerRow{"negativeOverflowSaturates", L"-2147483649", kIntMin}),
     rowName<IntegerRow>);
 
@@ -63,39 +54,24 @@ class LeadingReal : public testing::TestWithParam<RealRow> {};
 
 TEST_P(LeadingReal, readsTheLeadingNumber) {
     double actual = FieldValue::fromText(GetParam().text).asReal();
-    double expected = GetParam().expected;
-    if (std::isnan(expected)) {
-        EXPECT_TRUE(std::isnan(actual));
-    } else {
-        EXPECT_EQ(actual, expected);
-        EXPECT_EQ(std::signbit(actual), std::signbit(expected)) << "sign of " << actual;
-    }
+    EXPECT_EQ(actual, GetParam().expected);
+    EXPECT_EQ(std::signbit(actual), std::signbit(GetParam().expected)) << "sign of " << actual;
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, LeadingReal, testing::Values(
-    RealRow{"plain", L"2.5", 2.5},
     RealRow{"leadingSpaces", L"  3.25", 3.25},
     RealRow{"trailingGarbage", L"12abc", 12},
     RealRow{"noDigits", L"abc", 0},
-    RealRow{"pointAlone", L".", 0},
     RealRow{"signAlone", L"-", 0},
     RealRow{"fractionOnly", L"-.5", -0.5},
-    RealRow{"trailingPoint", L"7.", 7},
     RealRow{"minusZeroKeepsSign", L"-0", -0.0},
     RealRow{"exponent", L"1e3", 1000},
     RealRow{"upperCaseNegativeExponent", L"1.5E-2", 0.015},
     RealRow{"exponentWithoutDigitsNotRead", L"1e", 1},
-    RealRow{"exponentSignWithoutDigitsNotRead", L"1e+x", 1},
-    RealRow{"stopsAtComma", L"5,7", 5},
     RealRow{"stopsAtSecondPoint", L"1.2.3", 1.2},
     RealRow{"hexadecimal", L"0x10", 16},
-    RealRow{"hexadecimalWithExponent", L"0x1.8p1", 3},
-    RealRow{"zeroBeforeX", L"0xg", 0},
     RealRow{"infinity", L"inf", kInf},
-    RealRow{"negativeInfinityWord", L"-Infinity", -kInf},
-    RealRow{"notANumber", L"nan", std::nan("")},
     RealRow{"overflowIsInfinite", L"1e400", kInf},
-    RealRow{"negativeOverflowIsInfinite", L"-123456e400", -kInf},
     RealRow{"underflowIsZero", L"1e-400", 0},
     RealRow{"manyDigitsUnderflow", L"0.000001e-320", 0}),
     rowName<RealRow>);
@@ -113,10 +89,8 @@ TEST_P(RealToInteger, truncatesTowardZero) {
 INSTANTIATE_TEST_SUITE_P(Values, RealToInteger, testing::Values(
     TruncationRow{"positive", 2.99, 2},
     TruncationRow{"negative", -2.99, -2},
-    TruncationRow{"belowOne", 0.5, 0},
     TruncationRow{"aboveMinusOne", -0.5, 0},
     TruncationRow{"largestFitting", 2147483647.9, kIntMax},
-    TruncationRow{"smallestFitting", -2147483648.9, kIntMin},
     TruncationRow{"tooLarge", 1e10, kIntMin},
     TruncationRow{"notANumber", std::nan(""), kIntMin}),
     rowName<TruncationRow>);
@@ -134,19 +108,15 @@ TEST_P(TextForms, storedAndDisplayForms) {
 
 INSTANTIATE_TEST_SUITE_P(Values, TextForms, testing::Values(
     TextRow{"integer", FieldValue::fromInteger(-3), L"-3", L"-3"},
-    TextRow{"text", FieldValue::fromText(L"a b"), L"a b", L"a b"},
     TextRow{"realFraction", FieldValue::fromReal(2.5), L"2.500000", L"2.5"},
     TextRow{"realWhole", FieldValue::fromReal(3.0), L"3.000000", L"3.0"},
-    TextRow{"realZero", FieldValue::fromReal(0), L"0.000000", L"0.0"},
     TextRow{"realMinusZero", FieldValue::fromReal(-0.0), L"-0.000000", L"-0.0"},
-    TextRow{"realTenth", FieldValue::fromReal(0.1), L"0.100000", L"0.1"},
     TextRow{"realSumShowsNoNoise", FieldValue::fromReal(0.1 + 0.2), L"0.300000", L"0.3"},
     TextRow{"realThird", FieldValue::fromReal(1.0 / 3), L"0.333333", L"0.333333333333"},
     TextRow{"realBelowTwelveDecimals", FieldValue::fromReal(4e-13), L"0.000000", L"0.0"},
     TextRow{"realRoundsInDisplay", FieldValue::fromReal(0.9999999999996), L"1.000000", L"1.0"},
     TextRow{"realHuge", FieldValue::fromReal(1e20), L"100000000000000000000.000000",
             L"100000000000000000000.0"},
-    TextRow{"realInfinite", FieldValue::fromReal(kInf), L"inf", L"inf"},
     TextRow{"point", FieldValue::fromPoint({1, 2, 3}), L"1.000000,2.000000,3.000000",
             L"1.000000,2.000000,3.000000"},
     TextRow{"pointNegative", FieldValue::fromPoint({-0.5, 0, 1e-7}), L"-0.500000,0.000000,0.000000",
@@ -195,11 +165,8 @@ INSTANTIATE_TEST_SUITE_P(Texts, PointText, testing::Values(
     PointRow{"fourTakesLastAsZ", L"1,2,3,4", FieldPoint{1, 2, 4}},
     PointRow{"garbageMiddle", L" 5 ,x,7", FieldPoint{5, 0, 7}},
     PointRow{"spacesAfterCommas", L"1.5, -2, 3e2", FieldPoint{1.5, -2, 300}},
-    PointRow{"emptyParts", L",,", FieldPoint{0, 0, 0}},
-    PointRow{"storedForm", L"1.000000,2.000000,3.000000", FieldPoint{1, 2, 3}},
     PointRow{"twoParts", L"1,2", std::nullopt},
     PointRow{"onePart", L"123", std::nullopt},
-    PointRow{"empty", L"", std::nullopt},
     PointRow{"commaOnly", L",", std::nullopt}),
     rowName<PointRow>);
 
@@ -219,18 +186,14 @@ TEST_P(Rounding, roundsAsPrintfDoes) {
 // is stored slightly low or high goes down or up.
 INSTANTIATE_TEST_SUITE_P(Values, Rounding, testing::Values(
     RoundRow{"twoDecimals", 3.14159, 2, 3.14},
-    RoundRow{"roundsUp", 2.678, 1, 2.7},
-    RoundRow{"zeroDecimals", 2.7, 0, 3},
     RoundRow{"exactHalfToEven", 2.5, 0, 2},
-    RoundRow{"exactHalfToEvenUp", 3.5, 0, 4},
     RoundRow{"exactQuarterTie", 0.125, 2, 0.12},
     RoundRow{"storedBelowHalf", 1.005, 2, 1.0},
     RoundRow{"storedAboveHalf", 2.345, 2, 2.35},
     RoundRow{"negative", -2.678, 2, -2.68},
     RoundRow{"negativeToMinusZero", -0.4, 0, -0.0},
     RoundRow{"negativeDecimalsAsZero", 123.456, -1, 123},
-    RoundRow{"manyDecimalsKeepValue", 0.1, 5000, 0.1},
-    RoundRow{"huge", 1e300, 3, 1e300}),
+    RoundRow{"manyDecimalsKeepValue", 0.1, 5000, 0.1}),
     rowName<RoundRow>);
 
 // ---- assignment between types ----
@@ -265,14 +228,11 @@ const FieldValue kPoint = FieldValue::fromPoint({1, 2, 3});
 
 INSTANTIATE_TEST_SUITE_P(Pairs, Assign, testing::Values(
     AssignRow{"noneTakesInteger", kNone, FieldValue::fromInteger(5), L"Integer:5", 0},
-    AssignRow{"noneTakesText", kNone, FieldValue::fromText(L"x"), L"Character:x", 0},
     AssignRow{"noneTakesPoint", kNone, kPoint, L"Point:1.000000,2.000000,3.000000", 0},
     AssignRow{"noneFromNone", kNone, kNone, L"Unknown:", 0},
     AssignRow{"typedFromNoneUnchanged", FieldValue::fromInteger(7), kNone, L"Integer:7", 0},
     AssignRow{"integerFromText", FieldValue::fromInteger(7), FieldValue::fromText(L"12abc"), L"Integer:12", 0},
-    AssignRow{"integerFromNonNumber", FieldValue::fromInteger(7), FieldValue::fromText(L"abc"), L"Integer:0", 0},
     AssignRow{"integerFromReal", FieldValue::fromInteger(7), FieldValue::fromReal(2.99), L"Integer:2", 0},
-    AssignRow{"integerFromNegativeReal", FieldValue::fromInteger(7), FieldValue::fromReal(-2.99), L"Integer:-2", 0},
     AssignRow{"integerFromPoint", FieldValue::fromInteger(7), kPoint, L"Integer:7", kConversionNotAllowed},
     AssignRow{"realFromInteger", FieldValue::fromReal(1), FieldValue::fromInteger(3), L"Real:3.0", 0},
     AssignRow{"realFromText", FieldValue::fromReal(1), FieldValue::fromText(L"2.5e1m"), L"Real:25.0", 0},
