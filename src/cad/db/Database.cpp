@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <unordered_map>
 
 namespace veltarn::db {
 
@@ -223,6 +224,7 @@ OpenStatus Database::replace(Handle handle, const TagList& tags) {
     std::uint32_t slot = slotOf(handle);
     storeOwned(slot, tags);
     registerSubHandles(slot, tags);
+    notifyModified(handle);
     return OpenStatus::Ok;
 }
 
@@ -247,6 +249,7 @@ OpenStatus Database::erase(Handle handle) {
     after.flags |= kErased;
     setState(slot, after);
     journal_.record(slot, before, after);
+    notifyErased(handle, true);
     return OpenStatus::Ok;
 }
 
@@ -258,6 +261,7 @@ OpenStatus Database::unerase(Handle handle) {
     after.flags &= static_cast<std::uint8_t>(~kErased);
     setState(slot, after);
     journal_.record(slot, before, after);
+    notifyErased(handle, false);
     return OpenStatus::Ok;
 }
 
@@ -367,6 +371,7 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
     slot.container = static_cast<std::uint32_t>(b);
     std::uint32_t index = create(slot, entry.anchor, tags);
     blocks_[static_cast<std::size_t>(b)].members.push_back(index);
+    notifyAppended(handle);
     return handle;
 }
 
@@ -411,6 +416,7 @@ Result<Handle> Database::addBlock(std::string_view blockName, const Point3& base
     blocks_.push_back(std::move(entry));
     Handle id = blockId(static_cast<int>(index));
     blockIds_[id] = static_cast<int>(index);
+    if (r12_) notifyAppended(id);  // a 2000+ block was announced with its record
     return id;
 }
 
@@ -462,6 +468,7 @@ Result<Handle> Database::addRecord(std::string_view table, TagList tags) {
     setIdentity(tags, slot.handle, handleCode, slots_[entry.head].handle, !r12_);
     std::uint32_t index = create(slot, entry.end, tags);
     tables_[static_cast<std::size_t>(t)].records.push_back(index);
+    notifyAppended(slot.handle);
     return slot.handle;
 }
 
@@ -479,6 +486,7 @@ Result<Handle> Database::addObject(TagList tags, Handle preset) {
     if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(slot.handle);
     else tags.insert(1, gc::kHandle, formatHandle(slot.handle));
     create(slot, anchor, tags);
+    notifyAppended(slot.handle);
     return slot.handle;
 }
 
@@ -509,6 +517,7 @@ bool Database::undo() {
     const auto& changes = journal_.changes();
     for (std::size_t i = command.last; i-- > command.first;) setState(changes[i].slot, changes[i].before);
     journal_.markUndone();
+    notifyUndone(command.first, command.last, true);
     return true;
 }
 
@@ -518,7 +527,55 @@ bool Database::redo() {
     const auto& changes = journal_.changes();
     for (std::size_t i = command.first; i < command.last; ++i) setState(changes[i].slot, changes[i].after);
     journal_.markRedone();
+    notifyUndone(command.first, command.last, false);
     return true;
+}
+
+// --- Change notifications -----------------------------------------------------------------------
+
+void Database::addObserver(DatabaseObserver* observer) {
+    if (observer && std::find(observers_.begin(), observers_.end(), observer) == observers_.end()) observers_.push_back(observer);
+}
+
+void Database::removeObserver(DatabaseObserver* observer) { std::erase(observers_, observer); }
+
+// Notifications go to a copy of the list: an observer may remove itself (or another) meanwhile.
+void Database::notifyAppended(Handle handle) {
+    if (observers_.empty()) return;
+    for (DatabaseObserver* observer : std::vector<DatabaseObserver*>(observers_)) observer->objectAppended(*this, handle);
+}
+
+void Database::notifyErased(Handle handle, bool erased) {
+    if (observers_.empty()) return;
+    for (DatabaseObserver* observer : std::vector<DatabaseObserver*>(observers_)) observer->objectErased(*this, handle, erased);
+}
+
+void Database::notifyModified(Handle handle) {
+    if (observers_.empty()) return;
+    for (DatabaseObserver* observer : std::vector<DatabaseObserver*>(observers_)) observer->objectModified(*this, handle);
+}
+
+// One notification per object a command touched, for the net change: an entity created and then
+// changed by the command is only "erased" by its undo.
+void Database::notifyUndone(std::size_t first, std::size_t last, bool undo) {
+    if (observers_.empty()) return;
+    const auto& changes = journal_.changes();
+    std::vector<std::uint32_t> order;
+    std::unordered_map<std::uint32_t, std::pair<std::size_t, std::size_t>> span;  // first and last change
+    for (std::size_t i = first; i < last; ++i) {
+        auto [it, fresh] = span.try_emplace(changes[i].slot, i, i);
+        if (fresh) order.push_back(changes[i].slot);
+        else it->second.second = i;
+    }
+    for (std::uint32_t slot : order) {
+        auto [from, to] = span[slot];
+        UndoJournal::State was = undo ? changes[to].after : changes[from].before;
+        UndoJournal::State now = undo ? changes[from].before : changes[to].after;
+        if (was == now) continue;
+        Handle handle = slots_[slot].handle;
+        if ((was.flags & kErased) != (now.flags & kErased)) notifyErased(handle, (now.flags & kErased) != 0);
+        else notifyModified(handle);
+    }
 }
 
 std::size_t Database::memoryBeyondFile() const {

@@ -5,6 +5,7 @@
 // without changes comes back byte for byte, and what the database does not model is kept as it is.
 #pragma once
 
+#include "cad/db/DatabaseObserver.h"
 #include "cad/db/Handle.h"
 #include "cad/db/HandleIndex.h"
 #include "cad/db/TagArena.h"
@@ -155,6 +156,12 @@ public:
     bool undo();
     bool redo();
 
+    // --- Change notifications -----------------------------------------------------------------
+    // Observers are not owned; each is added once (a second add is ignored) and must be removed
+    // before it dies. Nothing is done per change while none is registered.
+    void addObserver(DatabaseObserver* observer);
+    void removeObserver(DatabaseObserver* observer);
+
     // Bytes held beyond the file: slots, owned blobs, index. For the benchmark.
     std::size_t memoryBeyondFile() const;
 
@@ -203,6 +210,10 @@ private:
     std::string nameOf(std::uint32_t slot) const;
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;
+    void notifyAppended(Handle handle);
+    void notifyErased(Handle handle, bool erased);
+    void notifyModified(Handle handle);
+    void notifyUndone(std::size_t first, std::size_t last, bool undo);
 
     std::unique_ptr<dxf::TagFile> file_;
     std::vector<Slot> slots_;
@@ -228,6 +239,7 @@ private:
     std::unordered_map<Handle, int> blockIds_;
     bool r12_ = false;
     UndoJournal journal_;
+    std::vector<DatabaseObserver*> observers_;
 };
 
 // Case-insensitive comparison of names (ASCII letters), as DXF compares symbol names.

@@ -1,6 +1,7 @@
 #include "cad/dxf/TagScanners.h"
 
 #include "cad/dxf/NumberText.h"
+#include "cad/dxf/TextCodec.h"
 
 #include <algorithm>
 #include <cstring>
@@ -22,7 +23,7 @@ bool parseGroupCode(const char* begin, const char* end, int& code) {
         if (*begin < '0' || *begin > '9') return false;
         value = value * 10 + (*begin - '0');
     }
-    if (value > 32767) return false;
+    if (value > (negative ? 32768 : 32767)) return false;  // the range of the 16-bit codes of binary DXF
     code = negative ? -value : value;
     return true;
 }
@@ -34,20 +35,24 @@ bool onlySpace(std::string_view rest) {
 }  // namespace
 
 std::string quoteForMessage(std::string_view text) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string out = "\"";
     std::size_t shown = 0;
-    for (unsigned char c : text) {
+    for (std::size_t i = 0; i < text.size();) {
         if (++shown > 40) {
             out += "...";
             break;
         }
-        if (c < 0x20 || c == 0x7F) {
-            static constexpr char kDigits[] = "0123456789ABCDEF";
+        auto c = static_cast<unsigned char>(text[i]);
+        std::size_t length = validUtf8Length(text.substr(i));
+        if (length == 0 || c < 0x20 || c == 0x7F) {  // control bytes and bytes that are no UTF-8 text
             out += "\\x";
             out += kDigits[c >> 4];
             out += kDigits[c & 15];
+            ++i;
         } else {
-            out += static_cast<char>(c);
+            out.append(text.substr(i, length));
+            i += length;
         }
     }
     return out + "\"";
@@ -60,8 +65,9 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
     std::size_t pos = bytes.compare(0, 3, kByteOrderMark) == 0 ? 3 : 0;
 
     // One counting pass sizes the tag vector exactly: no growth, no copies of millions of tags.
+    // A tag takes at least three bytes, which bounds what a file of empty lines can reserve.
     std::size_t lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
-    file.tags_.reserve(lines / 2 + 1);
+    file.tags_.reserve(std::min(lines / 2, size / 3) + 1);
 
     const char* firstEnd = static_cast<const char*>(std::memchr(data + pos, '\n', size - pos));
     file.crlf_ = firstEnd && firstEnd > data + pos && firstEnd[-1] == '\r';
@@ -78,10 +84,11 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
             return makeError(file.name_ + ":" + std::to_string(line) + ": expected a group code, found " +
                              quoteForMessage(std::string_view(codeBegin, static_cast<std::size_t>(codeLineEnd - codeBegin))));
         }
-        if (!codeEnd)
-            return makeError(file.name_ + ":" + std::to_string(line) + ": expected the value of group code " +
+        std::size_t valuePos = codeEnd ? static_cast<std::size_t>(codeEnd - data) + 1 : size;
+        // A group code on the last line has no value: the file has an odd number of lines.
+        if (valuePos >= size)
+            return makeError(file.name_ + ":" + std::to_string(line + 1) + ": expected the value of group code " +
                              std::to_string(code) + ", found the end of the file");
-        std::size_t valuePos = static_cast<std::size_t>(codeEnd - data) + 1;
         const char* valueEnd = static_cast<const char*>(std::memchr(data + valuePos, '\n', size - valuePos));
         std::size_t valueLineEnd = valueEnd ? static_cast<std::size_t>(valueEnd - data) : size;
         std::size_t length = valueLineEnd - valuePos;

@@ -94,6 +94,11 @@ Result<void> saveAtomically(const std::filesystem::path& target, const std::func
         ::unlink(pattern.c_str());
         return makeError("cannot save '" + target.string() + "': " + std::strerror(error));
     }
+    // The rename itself lives in the folder: flush it too, or a crash may still bring back the old file.
+    if (int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY); dir >= 0) {
+        ::fsync(dir);
+        ::close(dir);
+    }
     return {};
 }
 

@@ -1,5 +1,7 @@
 #include "cad/dxf/TagScanners.h"
 
+#include "cad/dxf/NumberText.h"
+
 #include <cstring>
 
 namespace veltarn::dxf {
@@ -16,26 +18,22 @@ std::size_t fixedWidthOf(ValueKind kind) {
     }
 }
 
-}  // namespace
-
-Result<void> BinaryTagScanner::scan(TagFile& file) {
-    const std::string& bytes = file.bytes_;
+// Walks the tags of a binary file, calling onTag(tag) for each, to "0 EOF" or the end. Sets
+// `missingEof` when the file ended without it.
+template <class OnTag>
+Result<void> walkTags(const std::string& bytes, bool shortCodes, const std::string& name, bool& missingEof, OnTag onTag) {
     const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
     const std::size_t size = bytes.size();
     std::size_t pos = kBinarySentinel.size();
-    // "0 SECTION" opens every file: a zero byte then 'S' means one-byte codes (R12), two zero
-    // bytes mean two-byte codes.
-    file.shortCodes_ = pos + 1 < size && data[pos] == 0 && data[pos + 1] != 0;
-    file.tags_.reserve(size / 12);
 
     auto fail = [&](std::size_t at, const std::string& what) {
-        return makeError(file.name_ + ":@" + std::to_string(at) + ": " + what);
+        return makeError(name + ":@" + std::to_string(at) + ": " + what);
     };
 
     while (pos < size) {
         const std::size_t tagPos = pos;
         int code = 0;
-        if (file.shortCodes_) {
+        if (shortCodes) {
             code = data[pos++];
             if (code == 255) {
                 if (size - pos < 2) return fail(tagPos, "expected a two-byte group code after 255, found the end of the file");
@@ -53,8 +51,8 @@ Result<void> BinaryTagScanner::scan(TagFile& file) {
         if (kind == ValueKind::String) {
             const void* nul = std::memchr(data + pos, 0, size - pos);
             if (!nul)
-                return fail(valuePos, "expected the end (a zero byte) of the text of group code " +
-                                          std::to_string(code) + ", found the end of the file");
+                return fail(valuePos, "expected a zero byte ending the text of group code " + std::to_string(code) +
+                                          ", found the end of the file");
             length = static_cast<std::size_t>(static_cast<const unsigned char*>(nul) - (data + pos));
             pos += length + 1;
         } else if (kind == ValueKind::Binary) {
@@ -64,23 +62,40 @@ Result<void> BinaryTagScanner::scan(TagFile& file) {
             length = data[pos];
             valuePos = ++pos;
             if (size - pos < length)
-                return fail(valuePos, "expected " + std::to_string(length) + " bytes of binary chunk (group code " +
-                                          std::to_string(code) + "), found " + std::to_string(size - pos));
+                return fail(valuePos, "expected " + std::to_string(length) + " bytes of binary data for group code " +
+                                          std::to_string(code) + ", found " + std::to_string(size - pos));
             pos += length;
         } else {
             length = fixedWidthOf(kind);
             if (size - pos < length)
-                return fail(valuePos, "expected a " + std::to_string(length) + "-byte value of group code " +
-                                          std::to_string(code) + ", found " + std::to_string(size - pos) + " bytes");
+                return fail(valuePos, "expected " + std::to_string(length) + " bytes for the value of group code " +
+                                          std::to_string(code) + ", found " + std::to_string(size - pos));
             pos += length;
         }
-        file.tags_.push_back(Tag{static_cast<std::uint32_t>(valuePos),
-                                 static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
-                                 static_cast<std::int16_t>(code)});
-        if (code == 0 && std::string_view(bytes.data() + valuePos, length) == "EOF") return {};
+        onTag(Tag{static_cast<std::uint32_t>(valuePos), static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
+                  static_cast<std::int16_t>(code)});
+        if (code == 0 && trimSpaces(std::string_view(bytes.data() + valuePos, length)) == "EOF") return {};
     }
-    file.missingEof_ = true;
+    missingEof = true;
     return {};
+}
+
+}  // namespace
+
+Result<void> BinaryTagScanner::scan(TagFile& file) {
+    const std::string& bytes = file.bytes_;
+    const std::size_t start = kBinarySentinel.size();
+    // "0 SECTION" opens every file: a zero byte then 'S' means one-byte codes (R12), two zero
+    // bytes mean two-byte codes.
+    file.shortCodes_ = start + 1 < bytes.size() && bytes[start] == 0 && bytes[start + 1] != 0;
+
+    // Tags can be as short as two bytes, so no estimate from the size bounds the tag vector well:
+    // a first walk counts (and checks) them, a second one fills a vector of exactly that size.
+    std::size_t count = 0;
+    if (auto counted = walkTags(bytes, file.shortCodes_, file.name_, file.missingEof_, [&](const Tag&) { ++count; }); !counted)
+        return counted;
+    file.tags_.reserve(count);
+    return walkTags(bytes, file.shortCodes_, file.name_, file.missingEof_, [&](const Tag& tag) { file.tags_.push_back(tag); });
 }
 
 }  // namespace veltarn::dxf

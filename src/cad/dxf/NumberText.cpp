@@ -17,8 +17,12 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     std::int64_t value = 0;
     auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (ec != std::errc() || end != text.data() + text.size() || text.empty()) return std::nullopt;
-    return value;
+    if (ec == std::errc() && end == text.data() + text.size() && !text.empty()) return value;
+    // Some writers store integers as reals ("1.0"): a whole number in range is still an integer.
+    if (ec == std::errc::result_out_of_range) return std::nullopt;
+    auto real = parseReal(text);
+    if (!real || std::trunc(*real) != *real || std::fabs(*real) >= 9.2e18) return std::nullopt;
+    return static_cast<std::int64_t>(*real);
 }
 
 std::optional<double> parseReal(std::string_view text) {

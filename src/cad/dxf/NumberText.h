@@ -11,7 +11,8 @@ namespace veltarn::dxf {
 
 std::string_view trimSpaces(std::string_view text);
 
-// Parses a whole (space-padded) decimal integer; nullopt when anything else is in the text.
+// Parses a whole (space-padded) decimal integer, or a real with a whole value ("1.0", as some
+// writers store integers); nullopt when anything else is in the text or it is out of range.
 std::optional<std::int64_t> parseInteger(std::string_view text);
 
 // Parses a whole (space-padded) real: fixed or exponent form, as DXF writers produce.

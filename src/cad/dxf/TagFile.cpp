@@ -33,8 +33,9 @@ Result<TagFile> TagFile::load(const std::filesystem::path& path) {
     if (ec) return makeError(path.string() + ": cannot read: " + ec.message());
     if (size >= 0xFFFFFFF0u) return makeError(path.string() + ": the file is larger than 4 GiB, which DXF files here may not be");
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    if (!in.read(bytes.data(), static_cast<std::streamsize>(size)))
-        return makeError(path.string() + ": cannot read: " + std::strerror(errno));
+    in.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (static_cast<std::uintmax_t>(in.gcount()) != size)
+        return makeError(path.string() + ": cannot read: " + (in.bad() ? std::strerror(errno) : "the file changed while it was read"));
     return parse(std::move(bytes), path.string());
 }
 
@@ -56,32 +57,48 @@ Result<TagFile> TagFile::parse(std::string bytes, std::string name) {
 Result<void> TagFile::checkSections() {
     const std::size_t n = tags_.size();
     std::size_t i = 0;
+    bool afterSection = false;
     while (i < n) {
         if (is(i, code::kStructure, "EOF")) return {};
+        // Writers put their name in a comment before the first section. Some (dxflib) end the header
+        // early, write more variables and a second ENDSEC: stray tags between sections are kept.
+        bool stray = afterSection && (code(i) != code::kStructure || is(i, code::kStructure, "ENDSEC"));
+        if (code(i) == code::kComment || stray) {
+            ++i;
+            continue;
+        }
         if (!is(i, code::kStructure, "SECTION"))
             return makeError(where(i) + ": expected 0 SECTION or 0 EOF, found " + describeTag(*this, i));
-        if (i + 1 >= n || code(i + 1) != code::kName)
-            return makeError(where(i + 1 < n ? i + 1 : i) + ": expected the section name (group code 2) after 0 SECTION");
-        std::string section = text(i + 1);
+        if (i + 1 >= n)
+            return makeError(whereEnd() + ": expected the section name (group code 2) after 0 SECTION, found the end of the file");
+        if (code(i + 1) != code::kName)
+            return makeError(where(i + 1) + ": expected the section name (group code 2) after 0 SECTION, found " +
+                             describeTag(*this, i + 1));
         std::size_t j = i + 2;
         for (; j < n; ++j) {
             if (code(j) != code::kStructure) continue;
             if (is(j, code::kStructure, "ENDSEC")) break;
-            if (is(j, code::kStructure, "SECTION") || is(j, code::kStructure, "EOF"))
-                return makeError(where(i) + ": section " + section + " never ends: expected 0 ENDSEC before " +
-                                 describeTag(*this, j) + " at " + where(j));
+            if (is(j, code::kStructure, "SECTION") || is(j, code::kStructure, "EOF")) break;
         }
-        if (j >= n)
-            return makeError(where(i) + ": section " + section + " never ends: expected 0 ENDSEC, found the end of the file");
+        if (j >= n || !is(j, code::kStructure, "ENDSEC")) {
+            std::string expected = "expected 0 ENDSEC closing section " + quoteForMessage(text(i + 1)) + " (opened at " +
+                                   (form_ == FileForm::Binary ? "@" + std::to_string(tagStart(i)) : "line " + std::to_string(lineOf(i))) +
+                                   "), found ";
+            if (j < n) return makeError(where(j) + ": " + expected + describeTag(*this, j));
+            return makeError(whereEnd() + ": " + expected + "the end of the file");
+        }
         i = j + 1;
+        afterSection = true;
     }
     return {};
 }
 
 Result<void> TagFile::readHeaderFacts() {
     std::string codePage;
-    if (size() >= 2 && is(1, code::kName, "HEADER")) {
-        for (std::size_t i = 2; i + 1 < size() && code(i) != code::kStructure; ++i) {
+    std::size_t first = 0;
+    while (first < size() && code(first) == code::kComment) ++first;
+    if (first + 1 < size() && is(first, code::kStructure, "SECTION") && is(first + 1, code::kName, "HEADER")) {
+        for (std::size_t i = first + 2; i + 1 < size() && code(i) != code::kStructure; ++i) {
             if (code(i) != code::kVariableName) continue;
             if (is(i, code::kVariableName, "$ACADVER"))
                 version_ = std::string(trimSpaces(raw(i + 1)));
@@ -162,17 +179,10 @@ std::optional<std::int64_t> TagFile::integer(std::size_t i) const {
 }
 
 std::size_t TagFile::tagStart(std::size_t i) const {
-    const Tag& tag = tags_[i];
-    if (form_ == FileForm::Binary) {
-        std::size_t start = tag.offset;
-        if (valueKindOf(tag.code) == ValueKind::Binary) --start;  // the length byte
-        if (!shortCodes_) return start - 2;
-        return start - (tag.code >= 0 && tag.code < 255 ? 1 : 3);
-    }
-    // The group-code line ends right before the value: walk back to the line before it.
-    std::size_t pos = tag.offset - 1;  // the '\n' ending the code line
-    while (pos > 0 && bytes_[pos - 1] != '\n') --pos;
-    return pos;
+    // Tags follow each other without gaps, so a tag starts where the one before it ends. Walking
+    // back from the value instead would guess wrong for a short code written in the long form.
+    if (i > 0) return tagEnd(i - 1);
+    return form_ == FileForm::Binary ? kBinarySentinel.size() : 0;  // an ASCII file's mark is kept with its first tag
 }
 
 std::size_t TagFile::tagEnd(std::size_t i) const {
@@ -198,6 +208,12 @@ std::string_view TagFile::trailer() const {
 std::size_t TagFile::lineOf(std::size_t i) const {
     std::size_t start = tagStart(i);
     return 1 + static_cast<std::size_t>(std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(start), '\n'));
+}
+
+std::string TagFile::whereEnd() const {
+    if (form_ == FileForm::Binary) return name_ + ":@" + std::to_string(bytes_.size());
+    std::size_t lines = static_cast<std::size_t>(std::count(bytes_.begin(), bytes_.end(), '\n'));
+    return name_ + ":" + std::to_string(lines + (bytes_.empty() || bytes_.back() != '\n' ? 1 : 0));
 }
 
 std::string TagFile::where(std::size_t i) const {

@@ -58,6 +58,9 @@ public:
     const TextCodec& codec() const { return codec_; }
     // "\r\n" or "\n": what the file used, for tags written anew into it.
     std::string_view lineEnd() const { return crlf_ ? "\r\n" : "\n"; }
+    // Binary files only: true when group codes take one byte (R12 and older; 255 announces a
+    // two-byte code), false when they take two.
+    bool oneByteGroupCodes() const { return shortCodes_; }
     // True when the file ended without "0 EOF".
     bool missingEof() const { return missingEof_; }
     const std::string& name() const { return name_; }
@@ -78,7 +81,8 @@ private:
     friend class BinaryTagScanner;
 
     std::size_t valueLength(const Tag& tag) const;
-    std::size_t tagStart(std::size_t i) const;  // first byte of the group code
+    std::string whereEnd() const;  // the last line (ASCII) or the size (binary), for messages
+    std::size_t tagStart(std::size_t i) const;  // first byte of the group code (tag 0: of the file)
     std::size_t tagEnd(std::size_t i) const;    // one past the value and its line end
     Result<void> readHeaderFacts();
     Result<void> checkSections();

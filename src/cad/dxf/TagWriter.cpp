@@ -23,11 +23,14 @@ WriteFormat WriteFormat::of(const TagFile& file) {
     format.version = file.version();
     format.codec = file.codec();
     format.lineEnd = std::string(file.lineEnd());
+    if (file.form() == FileForm::Binary) format.oneByteGroupCodes = file.oneByteGroupCodes();
     return format;
 }
 
 TagWriter::TagWriter(OutputSink& sink, WriteFormat format)
-    : sink_(sink), format_(std::move(format)), shortCodes_(format_.version <= std::string("AC1009")) {}
+    : sink_(sink),
+      format_(std::move(format)),
+      shortCodes_(format_.oneByteGroupCodes.value_or(format_.version <= std::string_view("AC1009"))) {}
 
 void TagWriter::begin() {
     if (format_.form == FileForm::Binary) sink_.write(kBinarySentinel);
@@ -35,7 +38,7 @@ void TagWriter::begin() {
 
 bool TagWriter::sameFormatAs(const TagFile& file) const {
     return file.form() == format_.form && file.codec().codePage() == format_.codec.codePage() &&
-           (file.form() == FileForm::Ascii || (file.version() <= "AC1009") == shortCodes_);
+           (file.form() == FileForm::Ascii || file.oneByteGroupCodes() == shortCodes_);
 }
 
 void TagWriter::copy(const TagFile& file, std::size_t first, std::size_t last) {
@@ -65,11 +68,11 @@ void TagWriter::write(int code, std::string_view text) {
     writeCode(code);
     if (format_.form == FileForm::Ascii) {
         std::string encoded = format_.codec.encode(text);
-        if (encoded.find_first_of("\r\n") != std::string::npos) {
-            fail("the value of group code " + std::to_string(code) + " holds a line break, which DXF cannot store");
-            return;
+        for (char c : encoded) {
+            if (c == '\r') scratch_ += "\\U+000D";
+            else if (c == '\n') scratch_ += "\\U+000A";
+            else scratch_ += c;
         }
-        scratch_ += encoded;
         scratch_ += format_.lineEnd;
         sink_.write(scratch_);
         return;
@@ -80,9 +83,10 @@ void TagWriter::write(int code, std::string_view text) {
     };
     switch (kind) {
         case ValueKind::String: {
-            std::string encoded = format_.codec.encode(text);
-            if (encoded.find('\0') != std::string::npos) return fail("a text of group code " + std::to_string(code) + " holds a zero byte");
-            scratch_ += encoded;
+            for (char c : format_.codec.encode(text)) {
+                if (c == '\0') scratch_ += "\\U+0000";  // the zero byte ends a text in binary DXF
+                else scratch_ += c;
+            }
             scratch_ += '\0';
             break;
         }
@@ -134,16 +138,21 @@ Result<void> TagWriter::status() const {
     return makeError(error_);
 }
 
+void writeEnding(const TagFile& file, TagWriter& writer) {
+    if (!file.missingEof()) {
+        writer.writeBytes(file.trailer());
+        return;
+    }
+    // The last value may end without a line end; blank lines after it were not read as tags.
+    std::string_view copied = file.span(0, file.size());
+    if (file.form() == FileForm::Ascii && !copied.empty() && copied.back() != '\n') writer.writeBytes(file.lineEnd());
+    writer.write(code::kStructure, "EOF");
+}
+
 void writeUnchanged(const TagFile& file, TagWriter& writer) {
     writer.begin();
     writer.copy(file, 0, file.size());
-    if (file.missingEof()) {
-        std::string_view bytes = file.bytes();
-        if (file.form() == FileForm::Ascii && !bytes.empty() && bytes.back() != '\n') writer.writeBytes(file.lineEnd());
-        writer.write(code::kStructure, "EOF");
-    } else {
-        writer.writeBytes(file.trailer());
-    }
+    writeEnding(file, writer);
 }
 
 Result<void> saveUnchanged(const TagFile& file, const std::filesystem::path& target) {

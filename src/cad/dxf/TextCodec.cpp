@@ -2,6 +2,7 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <mutex>
@@ -117,18 +118,42 @@ void appendEscape(std::string& out, unsigned value) {
     out += escape;
 }
 
+}  // namespace
+
+std::size_t validUtf8Length(std::string_view in) {
+    if (in.empty()) return 0;
+    auto byte = [&](std::size_t k) { return static_cast<unsigned char>(in[k]); };
+    unsigned char lead = byte(0);
+    if (lead < 0x80) return 1;
+    std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (length == 0 || in.size() < length) return 0;
+    for (std::size_t k = 1; k < length; ++k)
+        if ((byte(k) & 0xC0) != 0x80) return 0;
+    // The second byte's range is narrower after these leads (RFC 3629's table).
+    if ((lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) >= 0xA0) || (lead == 0xF0 && byte(1) < 0x90) ||
+        (lead == 0xF4 && byte(1) >= 0x90))
+        return 0;
+    return length;
+}
+
+bool isValidUtf8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t length = validUtf8Length(text.substr(i));
+        if (length == 0) return false;
+        i += length;
+    }
+    return true;
+}
+
+namespace {
+
 // Replaces invalid UTF-8 with U+FFFD so that every decoded text is valid UTF-8.
 std::string sanitizeUtf8(std::string_view in) {
     std::string out;
     out.reserve(in.size());
     std::size_t i = 0;
     while (i < in.size()) {
-        auto lead = static_cast<unsigned char>(in[i]);
-        std::size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-        bool valid = length > 0 && i + length <= in.size();
-        for (std::size_t k = 1; valid && k < length; ++k)
-            valid = (static_cast<unsigned char>(in[i + k]) & 0xC0) == 0x80;
-        if (valid) {
+        if (std::size_t length = validUtf8Length(in.substr(i))) {
             out.append(in.substr(i, length));
             i += length;
         } else {
@@ -225,6 +250,7 @@ std::string TextCodec::decode(std::string_view raw) const {
                             consumed = 14;
                         }
                     }
+                    if (cp >= 0xD800 && cp < 0xE000) cp = 0xFFFD;  // half a pair is no character
                     appendUtf8(out, cp);
                     i += consumed - 1;
                     continue;

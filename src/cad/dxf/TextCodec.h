@@ -41,6 +41,12 @@ private:
 // True when `version` ($ACADVER, "AC1009" ... "AC1032") stores its texts as UTF-8.
 bool versionIsUtf8(std::string_view acadVersion);
 
+// Length of the well-formed UTF-8 sequence that `text` starts with; 0 when it starts with none
+// (stray or missing continuation bytes, overlong forms, surrogates, past U+10FFFF, empty text).
+std::size_t validUtf8Length(std::string_view text);
+
+bool isValidUtf8(std::string_view text);
+
 // Appends the UTF-8 form of one code point.
 void appendUtf8(std::string& out, char32_t codePoint);
 
