@@ -58,6 +58,14 @@ std::filesystem::path generated(const std::string& name, const std::string& argu
     return file;
 }
 
+std::string withoutSeed(const Database& db) {
+    std::string text = db.toText().value();
+    std::size_t at = text.find("$HANDSEED");
+    if (at == std::string::npos) return text;
+    std::size_t value = text.find("\n", text.find("\n", at) + 1);  // past the variable and the code lines
+    return text.erase(value + 1, text.find("\n", value + 1) - value);
+}
+
 Database loadOrFail(const std::filesystem::path& file) {
     auto db = Database::load(file);
     if (!db) {

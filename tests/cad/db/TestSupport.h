@@ -24,6 +24,10 @@ std::string audit(const std::filesystem::path& file);
 // A drawing made by the independent writer (gen_dxf.py), cached per argument set.
 std::filesystem::path generated(const std::string& name, const std::string& arguments);
 
+// The drawing as text, with $HANDSEED left out: handles taken by an undone command are not
+// handed out again, so the seed stays where it went.
+std::string withoutSeed(const Database& db);
+
 // Loads a drawing or fails the test.
 Database loadOrFail(const std::filesystem::path& file);
 Database parseOrFail(const std::string& text);

@@ -11,14 +11,7 @@
 namespace veltarn::db {
 namespace {
 
-// The drawing as text, with $HANDSEED left out: handles taken by an undone command are not
-// handed out again, so the seed stays where it went.
-std::string withoutSeed(const Database& db) {
-    std::string text = db.toText().value();
-    std::size_t at = text.find("$HANDSEED");
-    std::size_t value = text.find("\n", text.find("\n", at) + 1);  // past the variable and the code lines
-    return text.erase(value + 1, text.find("\n", value + 1) - value);
-}
+using test::withoutSeed;
 
 TEST(Undo, CommandsAreUndoneAndRedoneWholeWithTheirObjectData) {
     Database db = Database::createNew();
