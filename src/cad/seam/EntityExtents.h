@@ -1,0 +1,28 @@
+// The 2D box an entity covers, from its geometry: what window and crossing selection compare.
+#pragma once
+
+#include <optional>
+
+#include "cad/db/TagList.h"
+
+namespace veltarn::seam {
+
+struct Extents {
+    double minX = 0, minY = 0, maxX = 0, maxY = 0;
+
+    void add(double x, double y);
+    bool inside(const Extents& box) const {
+        return minX >= box.minX && maxX <= box.maxX && minY >= box.minY && maxY <= box.maxY;
+    }
+    bool overlaps(const Extents& box) const {
+        return minX <= box.maxX && maxX >= box.minX && minY <= box.maxY && maxY >= box.minY;
+    }
+};
+
+// Circles and arcs by their curves, polylines and hatches by their vertices, everything else by
+// the points of its geometry (codes 10 to 18, as the kind stores them). Polyline bulges and the
+// size of texts are not measured: a text is its insertion point. nullopt for an entity that has
+// no point (an infinite line's direction alone, a damaged entity).
+std::optional<Extents> entityExtents(const db::TagList& tags);
+
+}  // namespace veltarn::seam

@@ -1,0 +1,315 @@
+#include "cad/seam/WorkbenchDatabase.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cad/db/Dictionary.h"
+#include "cad/db/EntityFactory.h"
+#include "cad/db/EntityKind.h"
+#include "cad/db/EntityProperties.h"
+#include "cad/db/ExtensionDictionary.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/db/SymbolTables.h"
+#include "cad/seam/HatchPatterns.h"
+#include "cad/seam/RecordCopy.h"
+#include "cad/seam/SortentsTable.h"
+#include "cad/seam/ValueConversion.h"
+#include "cad/seam/WorkbenchObjects.h"
+#include "host/DatabaseReactor.h"
+
+namespace veltarn::seam {
+namespace {
+
+// The DXF table of a symbol table; empty for the collections kept as named dictionaries.
+std::string_view tableName(host::SymbolTable table) {
+    switch (table) {
+        case host::SymbolTable::kBlock: return "BLOCK_RECORD";
+        case host::SymbolTable::kDimensionStyle: return "DIMSTYLE";
+        case host::SymbolTable::kLayer: return "LAYER";
+        case host::SymbolTable::kLinetype: return "LTYPE";
+        case host::SymbolTable::kTextStyle: return "STYLE";
+        default: return {};
+    }
+}
+
+std::string_view dictionaryName(host::SymbolTable table) {
+    switch (table) {
+        case host::SymbolTable::kLayout: return "ACAD_LAYOUT";
+        case host::SymbolTable::kMLeaderStyle: return "ACAD_MLEADERSTYLE";
+        case host::SymbolTable::kMlineStyle: return "ACAD_MLINESTYLE";
+        default: return {};
+    }
+}
+
+// Attribute definition flag (group 70): a constant attribute asks for no value.
+constexpr int kConstantAttribute = 2;
+// Block record group 281: references may only be scaled alike.
+constexpr int kBlockScaling = 281;
+
+}  // namespace
+
+WorkbenchDatabase::WorkbenchDatabase(db::Database database, std::filesystem::path path)
+    : db_(std::move(database)), path_(std::move(path)) {}
+
+WorkbenchDatabase::~WorkbenchDatabase() = default;
+
+dxf::Result<std::unique_ptr<WorkbenchDatabase>> WorkbenchDatabase::read(const std::filesystem::path& path) {
+    auto loaded = db::Database::load(path);
+    if (!loaded) return loaded.error();
+    return std::make_unique<WorkbenchDatabase>(std::move(*loaded), path);
+}
+
+std::wstring WorkbenchDatabase::fileName() const {
+    if (path_.empty()) return {};
+    std::error_code error;
+    std::filesystem::path absolute = std::filesystem::absolute(path_, error);
+    return wide((error ? path_ : absolute.lexically_normal()).string());
+}
+
+// --- open bookkeeping ---------------------------------------------------------------------------
+
+bool WorkbenchDatabase::onLockedLayer(db::Handle handle) const {
+    if (!db::isEntity(db_, handle)) return false;
+    auto layer = db::readLayer(db_, db::commonProperties(db_.tags(handle)).layer);
+    return layer && layer->locked();
+}
+
+std::unique_ptr<host::DbObject> WorkbenchDatabase::openObject(host::ObjectId id, host::OpenMode mode) {
+    if (db_.status(id.handle) != db::OpenStatus::Ok) return nullptr;
+    OpenCounts& counts = opens_[id.handle];
+    if (counts.writer || (mode == host::OpenMode::kWrite && counts.readers > 0)) return nullptr;
+    if (mode == host::OpenMode::kWrite && onLockedLayer(id.handle)) return nullptr;
+    if (mode == host::OpenMode::kWrite) counts.writer = true;
+    else ++counts.readers;
+    return makeObject(*this, id.handle, mode);
+}
+
+bool WorkbenchDatabase::tryUpgrade(db::Handle handle) {
+    OpenCounts& counts = opens_[handle];
+    if (counts.writer || counts.readers != 1 || onLockedLayer(handle)) return false;
+    counts.readers = 0;
+    counts.writer = true;
+    return true;
+}
+
+void WorkbenchDatabase::downgrade(db::Handle handle) {
+    OpenCounts& counts = opens_[handle];
+    counts.writer = false;
+    counts.readers = 1;
+}
+
+void WorkbenchDatabase::release(db::Handle handle, host::OpenMode mode) {
+    auto it = opens_.find(handle);
+    if (it == opens_.end()) return;
+    if (mode == host::OpenMode::kWrite) it->second.writer = false;
+    else if (it->second.readers > 0) --it->second.readers;
+    if (!it->second.writer && it->second.readers == 0) opens_.erase(it);
+}
+
+std::size_t WorkbenchDatabase::openCount() const {
+    std::size_t count = 0;
+    for (const auto& [handle, counts] : opens_) count += static_cast<std::size_t>(counts.readers) + (counts.writer ? 1 : 0);
+    return count;
+}
+
+// --- changes and reactors -------------------------------------------------------------------------
+
+void WorkbenchDatabase::addReactor(host::DatabaseReactor* reactor) {
+    if (reactor) reactors_.push_back(reactor);
+}
+
+void WorkbenchDatabase::removeReactor(host::DatabaseReactor* reactor) {
+    auto it = std::find(reactors_.begin(), reactors_.end(), reactor);
+    if (it != reactors_.end()) reactors_.erase(it);
+}
+
+void WorkbenchDatabase::notifyAppended(db::Handle handle) {
+    // A reactor may remove itself while it is told: each is told only while still registered.
+    const auto snapshot = reactors_;
+    for (host::DatabaseReactor* reactor : snapshot)
+        if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end())
+            reactor->objectAppended(*this, {handle});
+}
+
+void WorkbenchDatabase::notifyErased(db::Handle handle, bool erased) {
+    const auto snapshot = reactors_;
+    for (host::DatabaseReactor* reactor : snapshot)
+        if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end())
+            reactor->objectErased(*this, {handle}, erased);
+}
+
+bool WorkbenchDatabase::eraseObject(db::Handle handle) {
+    if (db::eraseObject(db_, handle) != db::OpenStatus::Ok) return false;
+    notifyErased(handle, true);
+    return true;
+}
+
+std::vector<db::Handle> WorkbenchDatabase::allEntities() const {
+    std::vector<db::Handle> all;
+    for (db::Handle block : db_.blocks()) {
+        std::vector<db::Handle> entities = db_.entitiesOf(block);
+        all.insert(all.end(), entities.begin(), entities.end());
+    }
+    return all;
+}
+
+void WorkbenchDatabase::reportDifference(const std::vector<db::Handle>& before) {
+    const std::vector<db::Handle> after = allEntities();
+    const std::unordered_set<db::Handle> was(before.begin(), before.end()), is(after.begin(), after.end());
+    for (db::Handle h : before)
+        if (!is.count(h)) notifyErased(h, true);
+    for (db::Handle h : after)
+        if (!was.count(h)) notifyErased(h, false);
+}
+
+bool WorkbenchDatabase::undo() {
+    // Comparing every entity costs a pass over the drawing: only when someone listens.
+    const std::vector<db::Handle> before = reactors_.empty() ? std::vector<db::Handle>{} : allEntities();
+    if (!db_.undo()) return false;
+    modified_ = true;
+    if (!reactors_.empty()) reportDifference(before);
+    return true;
+}
+
+bool WorkbenchDatabase::redo() {
+    const std::vector<db::Handle> before = reactors_.empty() ? std::vector<db::Handle>{} : allEntities();
+    if (!db_.redo()) return false;
+    modified_ = true;
+    if (!reactors_.empty()) reportDifference(before);
+    return true;
+}
+
+// --- entities ------------------------------------------------------------------------------------
+
+std::vector<host::ObjectId> WorkbenchDatabase::blockEntities(host::ObjectId block) const {
+    std::vector<host::ObjectId> ids;
+    for (db::Handle h : db_.entitiesOf(block.handle)) ids.push_back({h});
+    return ids;
+}
+
+std::unique_ptr<host::DbEntity> WorkbenchDatabase::appendEntity(host::ObjectId block, host::EntityClass kind) {
+    using host::EntityClass;
+    db::TagList tags;
+    switch (kind) {
+        case EntityClass::kPoint: tags = db::newPoint(db_, {}); break;
+        case EntityClass::kLine: tags = db::newLine(db_, {}, {}); break;
+        case EntityClass::kCircle: tags = db::newCircle(db_, {}, 0); break;
+        case EntityClass::kArc: tags = db::newArc(db_, {}, 0, 0, 0); break;
+        case EntityClass::kPolyline: tags = db::newLwpolyline(db_, {}, false); break;
+        case EntityClass::kText: tags = db::newText(db_, {}, 0, ""); break;
+        case EntityClass::kMText: tags = db::newMtext(db_, {}, 0, ""); break;
+        case EntityClass::kHatch: tags = db::newHatch(db_, "SOLID", {}); break;
+        default: return nullptr;
+    }
+    if (settings_) {
+        // The current layer, colour and linetype of the session, where the drawing has them.
+        if (auto layer = settings_->get(L"CLAYER"); layer && db::readLayer(db_, narrow(layer->text)))
+            db::setLayer(tags, narrow(layer->text));
+        if (auto linetype = settings_->get(L"CELTYPE"); linetype && !db::sameName(narrow(linetype->text), "ByLayer") &&
+                                                         db_.findRecord("LTYPE", narrow(linetype->text)) != db::kNoHandle)
+            db::setLinetype(tags, narrow(linetype->text));
+    }
+    auto handle = db_.appendEntity(block.handle, std::move(tags));
+    if (!handle) return nullptr;
+    notifyAppended(*handle);
+    return openEntity({*handle}, host::OpenMode::kWrite);
+}
+
+host::ObjectId WorkbenchDatabase::lastEntity() const {
+    const std::vector<db::Handle> entities = db_.entitiesOf(db_.modelSpace());
+    return entities.empty() ? host::ObjectId{} : host::ObjectId{entities.back()};
+}
+
+// --- symbol tables -----------------------------------------------------------------------------
+
+host::ObjectId WorkbenchDatabase::findSymbol(host::SymbolTable table, const std::wstring& name) const {
+    if (table == host::SymbolTable::kBlock) return {db_.findBlock(narrow(name))};
+    if (auto t = tableName(table); !t.empty()) return {db_.findRecord(t, narrow(name))};
+    return {db::namedEntry(db_, dictionaryName(table), narrow(name))};
+}
+
+std::vector<host::DbDictionary::Entry> WorkbenchDatabase::symbols(host::SymbolTable table) const {
+    std::vector<host::DbDictionary::Entry> out;
+    if (auto t = tableName(table); !t.empty()) {
+        for (db::Handle record : db_.records(t)) out.emplace_back(wide(db::recordName(db_, record)), host::ObjectId{record});
+        return out;
+    }
+    const db::Handle dictionary = db::findEntry(db_, db_.namedObjectsDictionary(), dictionaryName(table));
+    for (const auto& entry : db::dictionaryEntries(db_, dictionary)) out.emplace_back(wide(entry.key), host::ObjectId{entry.value});
+    return out;
+}
+
+std::vector<host::LayerInfo> WorkbenchDatabase::layers() const {
+    std::vector<host::LayerInfo> out;
+    for (db::Handle record : db_.records("LAYER")) {
+        auto layer = db::readLayer(db_, record);
+        if (!layer) continue;
+        host::LayerInfo info;
+        info.id = {record};
+        info.name = wide(layer->name);
+        info.off = layer->off;
+        info.frozen = layer->frozen();
+        info.locked = layer->locked();
+        out.push_back(std::move(info));
+    }
+    return out;
+}
+
+std::optional<host::BlockInfo> WorkbenchDatabase::blockInfo(const std::wstring& name) const {
+    const db::Handle block = db_.findBlock(narrow(name));
+    if (block == db::kNoHandle) return std::nullopt;
+    host::BlockInfo info;
+    info.id = {block};
+    info.name = wide(db_.blockName(block));
+    info.anonymous = !info.name.empty() && info.name[0] == L'*';
+    info.isLayout = block == db_.modelSpace() || block == db_.paperSpace() ||
+                    db::sameName(narrow(info.name).substr(0, 12), "*Paper_Space");
+    const db::TagList record = db_.tags(block);
+    info.uniformScaling = record.integer(kBlockScaling).value_or(0) == 1;
+    for (db::Handle entity : db_.entitiesOf(block)) {
+        if (db_.typeName(entity) != "ATTDEF") continue;
+        const db::TagList tags = db_.tags(entity);
+        auto [from, to] = tags.subclass("AcDbAttributeDefinition");
+        if (from == db::TagList::npos) from = 0, to = db::TagList::npos;
+        if (tags.integer(db::gc::kFlags, from, to).value_or(0) & kConstantAttribute) continue;
+        host::AttributeDefinitionInfo attribute;
+        attribute.tag = wide(tags.text(db::gc::kName, from, to).value_or(""));
+        attribute.prompt = wide(tags.text(db::gc::kOtherName, from, to).value_or(""));
+        attribute.defaultValue = wide(tags.text(db::gc::kText).value_or(""));
+        info.attributes.push_back(std::move(attribute));
+    }
+    return info;
+}
+
+bool WorkbenchDatabase::setRelativeDrawOrder(host::ObjectId block, const std::vector<host::ObjectId>& ids) {
+    std::vector<db::Handle> handles;
+    for (host::ObjectId id : ids) handles.push_back(id.handle);
+    return orderAmongThemselves(db_, block.handle, handles);
+}
+
+bool WorkbenchDatabase::copyRecordsFrom(host::Database& source, const std::vector<host::ObjectId>& ids,
+                                        host::SymbolTable table) {
+    auto* other = dynamic_cast<WorkbenchDatabase*>(&source);
+    const std::string_view name = tableName(table);
+    if (!other || name.empty() || name == "BLOCK_RECORD") return false;
+    std::vector<db::Handle> handles;
+    for (host::ObjectId id : ids) handles.push_back(id.handle);
+    auto copied = copyTableRecords(other->raw(), db_, name, handles);
+    if (!copied) return false;
+    for (db::Handle h : *copied) notifyAppended(h);
+    return true;
+}
+
+bool WorkbenchDatabase::loadLinetypes(const std::wstring&, const std::wstring&) {
+    return false;  // linetype definition files are not read yet
+}
+
+bool WorkbenchDatabase::loadMlineStyle(const std::wstring&, const std::wstring&) {
+    return false;  // multiline style files are not read yet
+}
+
+bool WorkbenchDatabase::hasHatchPattern(const std::wstring& pattern) const {
+    return isKnownHatchPattern(pattern, supportPath_ ? supportPath_() : std::wstring());
+}
+
+}  // namespace veltarn::seam

@@ -1,0 +1,185 @@
+#include "cad/seam/WorkbenchObjects.h"
+
+#include "cad/db/Dictionary.h"
+#include "cad/db/EntityKind.h"
+#include "cad/db/EntityProperties.h"
+#include "cad/db/ExtensionDictionary.h"
+#include "cad/db/Geometry.h"
+#include "cad/db/Xrecord.h"
+#include "cad/seam/EntityClassification.h"
+#include "cad/seam/EntityPropertyAccess.h"
+#include "cad/seam/ValueConversion.h"
+#include "host/DbDictionary.h"
+#include "host/DbEntity.h"
+#include "host/DbXrecord.h"
+
+namespace veltarn::seam {
+namespace {
+
+using host::ObjectId;
+using host::OpenMode;
+
+template <class Base>
+class Object : public Base {
+public:
+    Object(WorkbenchDatabase& drawing, db::Handle handle, OpenMode mode)
+        : drawing_(drawing), handle_(handle), mode_(mode) {}
+    ~Object() override { drawing_.release(handle_, mode_); }
+
+    ObjectId id() const override { return {handle_}; }
+    ObjectId ownerId() const override { return {db().ownerOf(handle_)}; }
+    OpenMode openMode() const override { return mode_; }
+
+    bool upgradeOpen() override {
+        if (writable()) return true;
+        if (!drawing_.tryUpgrade(handle_)) return false;
+        mode_ = OpenMode::kWrite;
+        return true;
+    }
+    void downgradeOpen() override {
+        if (!writable()) return;
+        drawing_.downgrade(handle_);
+        mode_ = OpenMode::kRead;
+    }
+    bool erase() override { return writable() && drawing_.eraseObject(handle_); }
+
+    ObjectId extensionDictionary() const override { return {db::extensionDictionary(db(), handle_)}; }
+    bool createExtensionDictionary() override {
+        if (!writable()) return false;
+        const bool had = db::extensionDictionary(db(), handle_) != db::kNoHandle;
+        auto made = db::createExtensionDictionary(drawing_.raw(), handle_);
+        if (made && !had) drawing_.notifyAppended(*made);
+        return made.ok();
+    }
+    bool releaseExtensionDictionary() override {
+        if (!writable()) return false;
+        const db::Handle dictionary = db::extensionDictionary(db(), handle_);
+        if (dictionary == db::kNoHandle) return true;
+        if (!db::releaseExtensionDictionary(drawing_.raw(), handle_)) return false;
+        drawing_.notifyErased(dictionary, true);
+        return true;
+    }
+
+protected:
+    db::Database& db() const { return drawing_.raw(); }
+    bool writable() const { return mode_ == OpenMode::kWrite; }
+
+    WorkbenchDatabase& drawing_;
+    db::Handle handle_;
+    OpenMode mode_;
+};
+
+class Dictionary : public Object<host::DbDictionary> {
+public:
+    using Object::Object;
+
+    ObjectId find(const std::wstring& key) const override { return {db::findEntry(db(), handle_, narrow(key))}; }
+    std::vector<Entry> entries() const override {
+        std::vector<Entry> out;
+        for (const auto& e : db::dictionaryEntries(db(), handle_)) out.emplace_back(wide(e.key), ObjectId{e.value});
+        return out;
+    }
+    ObjectId addDictionary(const std::wstring& key) override {
+        if (!writable() || key.empty() || has(key)) return {};
+        auto made = db::createDictionary(db(), handle_);
+        if (!made || !db::setEntry(db(), handle_, narrow(key), *made).ok()) return {};
+        drawing_.notifyAppended(*made);
+        return {*made};
+    }
+    ObjectId addXrecord(const std::wstring& key) override {
+        if (!writable() || key.empty() || has(key)) return {};
+        auto made = db::addXrecord(db(), handle_, narrow(key), {});
+        if (!made) return {};
+        drawing_.notifyAppended(*made);
+        return {*made};
+    }
+    ObjectId remove(const std::wstring& key) override {
+        if (!writable()) return {};
+        const ObjectId held = find(key);
+        if (held) (void)db::removeEntry(db(), handle_, narrow(key));
+        return held;
+    }
+};
+
+class Xrecord : public Object<host::DbXrecord> {
+public:
+    using Object::Object;
+
+    host::ResultBuffer data() const override {
+        host::ResultBuffer out;
+        auto values = db::readXrecord(db(), handle_);
+        if (!values) return out;
+        out.reserve(values->size());
+        for (const auto& v : *values) out.push_back(toHost(v));
+        return out;
+    }
+    bool setData(const host::ResultBuffer& chain) override {
+        if (!writable()) return false;
+        db::ResultBuffer values;
+        values.reserve(chain.size());
+        for (const auto& v : chain) {
+            auto converted = toDb(v);
+            if (!converted) return false;
+            values.push_back(std::move(*converted));
+        }
+        return db::replaceXrecord(db(), handle_, values).ok();
+    }
+};
+
+class Entity : public Object<host::DbEntity> {
+public:
+    using Object::Object;
+
+    host::EntityClass entityClass() const override { return entityClassOf(db().tags(handle_)); }
+    std::wstring dxfName() const override { return wide(db().typeName(handle_)); }
+
+    std::optional<host::PropertyValue> property(host::EntityProperty property) const override {
+        return readProperty(db(), db().tags(handle_), property);
+    }
+
+    bool setProperty(host::EntityProperty property, const host::PropertyValue& value) override {
+        if (!writable()) return false;
+        db::TagList tags = db().tags(handle_);
+        if (property == host::EntityProperty::kHatchBoundary) {
+            if (!setBoundary(tags, value)) return false;
+        } else if (!writeProperty(db(), tags, property, value)) {
+            return false;
+        }
+        return db().replace(handle_, tags) == db::OpenStatus::Ok;
+    }
+
+    // The database cannot explode entities yet: nothing is made.
+    std::vector<ObjectId> explodeInto(ObjectId) override { return {}; }
+
+private:
+    // A closed polyline becomes the hatch's only, outer loop.
+    bool setBoundary(db::TagList& tags, const host::PropertyValue& value) const {
+        constexpr int kExternalPolylinePath = 1 | 2;
+        auto* id = std::get_if<ObjectId>(&value);
+        if (!id || tags.type() != "HATCH" || db().typeName(id->handle) != "LWPOLYLINE") return false;
+        const db::TagList boundary = db().tags(id->handle);
+        if (!db::closed(boundary).value_or(false)) return false;
+        db::HatchPath path;
+        path.flags = kExternalPolylinePath;
+        path.vertices = db::polylineVertices(boundary);
+        return db::setHatchPaths(tags, {path});
+    }
+};
+
+class Other : public Object<host::DbObject> {
+public:
+    using Object::Object;
+};
+
+}  // namespace
+
+std::unique_ptr<host::DbObject> makeObject(WorkbenchDatabase& drawing, db::Handle handle, OpenMode mode) {
+    const db::Database& db = drawing.raw();
+    const std::string_view type = db.typeName(handle);
+    if (db::isDictionaryType(type)) return std::make_unique<Dictionary>(drawing, handle, mode);
+    if (type == "XRECORD") return std::make_unique<Xrecord>(drawing, handle, mode);
+    if (db::isEntity(db, handle)) return std::make_unique<Entity>(drawing, handle, mode);
+    return std::make_unique<Other>(drawing, handle, mode);
+}
+
+}  // namespace veltarn::seam

@@ -1,0 +1,101 @@
+// The workbench host: documents, the queue of sent strings, side drawings, undo steps per command.
+#include "cad/seam/WorkbenchHost.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "cad/db/EntityFactory.h"
+#include "host/CommandFlags.h"
+
+namespace veltarn::seam {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WorkbenchHostTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() / ("veltarn_seam_" + std::to_string(::getpid()));
+        fs::create_directories(dir_);
+        host_.openDocument(std::make_unique<WorkbenchDatabase>(db::Database::createNew()));
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    std::wstring type(const std::wstring& text) {
+        output_.clear();
+        host_.commandLine().input().append(text);
+        host_.commandLine().run();
+        return output_;
+    }
+
+    fs::path dir_;
+    std::wstring output_;
+    WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, fs::temp_directory_path() / "veltarn_seam_settings"};
+};
+
+TEST_F(WorkbenchHostTest, SentStringsRunAfterTheCommandThatSentThem) {
+    auto& commands = host_.commandStack();
+    commands.addCommand(L"T", L"SENDER", L"SENDER", 0, [this] {
+        host_.documents().sendStringToExecute(*host_.documents().current(), L"SECOND\n");
+        host_.editor().print(L"sender ends\n");
+    });
+    commands.addCommand(L"T", L"SECOND", L"SECOND", 0, [this] { host_.editor().print(L"second runs\n"); });
+    EXPECT_EQ(type(L"SENDER\n"), L"Command: SENDER\nsender ends\nCommand: SECOND\nsecond runs\n");
+}
+
+TEST_F(WorkbenchHostTest, EachCommandIsOneUndoStepAndMarksTheDrawingModified) {
+    host_.commandStack().addCommand(L"T", L"TWOLINES", L"TWOLINES", 0, [this] {
+        host::Database* db = host_.workingDatabase();
+        (void)db->appendEntity(db->modelSpace(), host::EntityClass::kLine);
+        (void)db->appendEntity(db->modelSpace(), host::EntityClass::kLine);
+    });
+    host_.commandStack().addCommand(L"T", L"LOOK", L"LOOK", 0, [] {});
+    WorkbenchDatabase& drawing = *host_.currentDrawing();
+    type(L"LOOK\n");
+    EXPECT_FALSE(drawing.modified()) << "a command that changes nothing";
+    type(L"TWOLINES\n");
+    EXPECT_TRUE(drawing.modified());
+    EXPECT_EQ(drawing.blockEntities(drawing.modelSpace()).size(), 2u);
+    EXPECT_TRUE(drawing.undo());
+    EXPECT_TRUE(drawing.blockEntities(drawing.modelSpace()).empty()) << "both lines go with one undo";
+    EXPECT_FALSE(drawing.undo());
+}
+
+TEST_F(WorkbenchHostTest, SideDrawingsAreDxfWhateverTheirExtension) {
+    const fs::path asDwg = dir_ / "blocks.dwg";
+    ASSERT_TRUE(db::Database::createNew().save(asDwg).ok());
+    auto side = host_.readDrawing(asDwg.wstring());
+    ASSERT_TRUE(side);
+    EXPECT_TRUE(side->hasSymbol(host::SymbolTable::kLayer, L"0"));
+    EXPECT_EQ(host_.documents().documentOf(*side), nullptr) << "a side drawing is no document";
+    EXPECT_EQ(host_.documents().documentOf(*host_.workingDatabase()), host_.documents().current());
+
+    const fs::path realDwg = dir_ / "real.dwg";
+    std::ofstream(realDwg, std::ios::binary) << std::string("AC1032\0\0\0\0\0\x03\x01", 13) << std::string(200, '\x7f');
+    EXPECT_EQ(host_.readDrawing(realDwg.wstring()), nullptr);
+    EXPECT_EQ(host_.readDrawing((dir_ / "missing.dxf").wstring()), nullptr);
+}
+
+TEST_F(WorkbenchHostTest, DocumentEventsAndNamesFollowTheOpenDrawing) {
+    std::vector<std::string> events;
+    host_.setDocumentEvents([&] { events.push_back("close"); }, [&] { events.push_back("open"); });
+    EXPECT_EQ(type(L"DWGNAME\n"), L"Command: DWGNAME\nDWGNAME = \"Drawing1.dxf\" (read only)\n");
+    const fs::path file = dir_ / "roads.dxf";
+    ASSERT_TRUE(db::Database::createNew().save(file).ok());
+    host_.openDocument(std::move(WorkbenchDatabase::read(file).value()));
+    EXPECT_EQ(events, (std::vector<std::string>{"close", "open"}));
+    EXPECT_EQ(host_.documents().current()->fileName(), L"roads.dxf");
+    auto prefix = host_.systemVariables().get(L"DWGPREFIX");
+    EXPECT_EQ(prefix->text, fs::canonical(dir_).wstring() + L"/");
+
+    auto lock = host_.documents().lock(*host_.documents().current(), host::LockMode::kExclusiveWrite);
+    EXPECT_TRUE(lock.locked());
+    EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
+    { auto nested = host_.documents().lock(*host_.documents().current(), host::LockMode::kShared); }
+    EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
+}
+
+}  // namespace
+}  // namespace veltarn::seam
