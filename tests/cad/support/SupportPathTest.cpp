@@ -1,5 +1,6 @@
 // Finding hatch patterns over the folders of a support path.
 #include "cad/support/SupportPath.h"
+#include "cad/support/UserSupportFolder.h"
 
 #include "SupportScratch.h"
 
@@ -30,6 +31,21 @@ TEST(SupportPath, APatternIsPresentWhenAPatFileOnThePathDefinesIt) {
     EXPECT_FALSE(path.definesPattern("COMMENTED"));
     EXPECT_FALSE(path.definesPattern("NOT_A_PATTERN"));
     EXPECT_TRUE(SupportPath(test::kSupportDir.string()).definesPattern("solid"));
+}
+
+TEST(UserSupportFolder, ANewUserGetsCopiesToAppendToAndTheUsersOwnFilesAreKept) {
+    std::filesystem::path dir = test::scratchDir("user-support");
+    std::filesystem::path user = dir / "home" / "support";
+    std::filesystem::create_directories(user);
+    test::writeFile(user / "acad.pat", "*MINE\n0,0,0,0,1\n");
+
+    auto path = prepareUserSupportFolder(user, test::kSupportDir);
+    ASSERT_TRUE(path) << path.message();
+    EXPECT_EQ(*path, user.string() + ";" + test::kSupportDir.string());
+    EXPECT_EQ(test::readFile(user / "acad.pat"), "*MINE\n0,0,0,0,1\n");
+    EXPECT_EQ(test::readFile(user / "acadiso.pat"), test::readFile(test::kSupportDir / "acadiso.pat"));
+    EXPECT_TRUE(SupportPath(*path).definesPattern("mine"));
+    EXPECT_TRUE(SupportPath(*path).definesPattern("solid"));  // from the shipped acad.pat, after the user's
 }
 
 }  // namespace
