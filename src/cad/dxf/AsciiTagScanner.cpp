@@ -4,6 +4,7 @@
 #include "cad/dxf/TextCodec.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace veltarn::dxf {
@@ -26,6 +27,36 @@ bool parseGroupCode(const char* begin, const char* end, int& code) {
     if (value > (negative ? 32768 : 32767)) return false;  // the range of the 16-bit codes of binary DXF
     code = negative ? -value : value;
     return true;
+}
+
+// Counts the line ends eight bytes at a time: a plain byte loop is not vectorised at -O2, and this
+// pass over the whole file sizes the tag vector.
+std::size_t countLineEnds(std::string_view bytes) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101u, kLow7 = 0x7F7F7F7F7F7F7F7Fu;
+    std::size_t count = 0, i = 0;
+    while (i + 8 <= bytes.size()) {
+        // Per-byte counters, summed before any of them can pass 255.
+        std::uint64_t counters = 0;
+        for (int round = 0; round < 31 && i + 8 <= bytes.size(); ++round, i += 8) {
+            std::uint64_t word;
+            std::memcpy(&word, bytes.data() + i, 8);
+            std::uint64_t x = word ^ (kOnes * '\n');    // a zero byte where a line end was
+            std::uint64_t t = ((x & kLow7) + kLow7) | x;  // high bit clear exactly at those zero bytes
+            counters += (~t & ~kLow7) >> 7;
+        }
+        count += static_cast<std::size_t>((counters * kOnes) >> 56);
+    }
+    for (; i < bytes.size(); ++i) count += bytes[i] == '\n';
+    return count;
+}
+
+// The line end at or after `from`, or nullptr. Most DXF lines are a few bytes long: a short loop
+// finds their end sooner than a call to memchr, which takes over for long lines.
+const char* findLineEnd(const char* from, const char* end) {
+    const char* shortEnd = end - from > 24 ? from + 24 : end;
+    for (; from < shortEnd; ++from)
+        if (*from == '\n') return from;
+    return from < end ? static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(end - from))) : nullptr;
 }
 
 bool onlySpace(std::string_view rest) {
@@ -66,7 +97,7 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
 
     // One counting pass sizes the tag vector exactly: no growth, no copies of millions of tags.
     // A tag takes at least three bytes, which bounds what a file of empty lines can reserve.
-    std::size_t lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
+    std::size_t lines = countLineEnds(bytes);
     file.tags_.reserve(std::min(lines / 2, size / 3) + 1);
 
     const char* firstEnd = static_cast<const char*>(std::memchr(data + pos, '\n', size - pos));
@@ -75,7 +106,7 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
     std::size_t line = 1;
     while (pos < size) {
         const char* codeBegin = data + pos;
-        const char* codeEnd = static_cast<const char*>(std::memchr(codeBegin, '\n', size - pos));
+        const char* codeEnd = findLineEnd(codeBegin, data + size);
         const char* codeLineEnd = codeEnd ? codeEnd : data + size;
         int code = 0;
         if (!parseGroupCode(codeBegin, codeLineEnd, code)) {
@@ -89,7 +120,7 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
         if (valuePos >= size)
             return makeError(file.name_ + ":" + std::to_string(line + 1) + ": expected the value of group code " +
                              std::to_string(code) + ", found the end of the file");
-        const char* valueEnd = static_cast<const char*>(std::memchr(data + valuePos, '\n', size - valuePos));
+        const char* valueEnd = findLineEnd(data + valuePos, data + size);
         std::size_t valueLineEnd = valueEnd ? static_cast<std::size_t>(valueEnd - data) : size;
         std::size_t length = valueLineEnd - valuePos;
         if (length > 0 && data[valuePos + length - 1] == '\r') --length;
