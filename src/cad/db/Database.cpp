@@ -351,6 +351,34 @@ static void setIdentity(TagList& tags, Handle handle, int handleCode, Handle own
     else tags.insert(at, gc::kSoftPointer, formatHandle(owner));
 }
 
+// The VERTEX, ATTRIB and SEQEND entities that travel with a POLYLINE or INSERT: each gets a handle
+// of its own (a fresh one when it has none or its handle is taken, as in copied or exploded
+// entities) and, in 2000+ drawings, the entity as its owner.
+void Database::identifySubEntities(TagList& tags, Handle owner) {
+    for (std::size_t i = 1; i < tags.size(); ++i) {
+        if (tags[i].code != gc::kStructure) continue;
+        std::size_t end = tags.find(gc::kStructure, i + 1);
+        if (end == TagList::npos) end = tags.size();
+        std::size_t at = tags.find(gc::kHandle, i + 1, end);
+        auto handle = at == TagList::npos ? std::nullopt : parseHandle(tags[at].value);
+        if (!handle || *handle == kNoHandle || *handle >= nextHandle_ || handles_.get(*handle) != HandleIndex::kNone) {
+            std::string fresh = formatHandle(allocateHandle());
+            if (at == TagList::npos) {
+                tags.insert(i + 1, gc::kHandle, std::move(fresh));
+                at = i + 1;
+                ++end;
+            } else {
+                tags[at].value = std::move(fresh);
+            }
+        }
+        if (r12_) continue;
+        std::size_t ownerAt = tags.find(gc::kSoftPointer, at + 1, end);
+        std::size_t marker = tags.find(gc::kSubclass, at + 1, end);
+        if (ownerAt != TagList::npos && (marker == TagList::npos || ownerAt < marker)) tags[ownerAt].value = formatHandle(owner);
+        else tags.insert(at + 1, gc::kSoftPointer, formatHandle(owner));
+    }
+}
+
 static bool usable(const HandleIndex& index, Handle handle, Handle next) {
     return handle != kNoHandle && handle < next && index.get(handle) == HandleIndex::kNone;
 }
@@ -364,6 +392,7 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
     if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
     Handle handle = preset != kNoHandle ? preset : allocateHandle();
     setIdentity(tags, handle, gc::kHandle, block, !r12_);
+    if (std::string_view type = tags.type(); type == "POLYLINE" || type == "INSERT") identifySubEntities(tags, handle);
     if (entry.paper && entry.inEntitiesSection) tags.setIn("AcDbEntity", gc::kPaperSpace, "1");
     Slot slot;
     slot.handle = handle;

@@ -123,6 +123,8 @@ public:
     Handle blockOf(Handle entity) const;
     // Adds an entity at the end of a block. `tags` starts with its "0" type; the handle (5) and,
     // in 2000+ drawings, the owner (330) are set here. Fails on an unknown block.
+    // The VERTEX/ATTRIB/SEQEND entities of a POLYLINE or INSERT get fresh handles where theirs are
+    // missing or taken, and the entity as owner.
     // `handle` may be one taken with allocateHandle() beforehand (to point at the entity from
     // objects made with it); by default a new one is taken.
     Result<Handle> appendEntity(Handle block, TagList tags, Handle handle = kNoHandle);
@@ -210,6 +212,7 @@ private:
     std::string nameOf(std::uint32_t slot) const;
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;
+    void identifySubEntities(TagList& tags, Handle owner);
     void notifyAppended(Handle handle);
     void notifyErased(Handle handle, bool erased);
     void notifyModified(Handle handle);

@@ -1,0 +1,215 @@
+// Explode: pieces checked against an independent explode, and the EXPLODE command's bookkeeping.
+#include "TestSupport.h"
+
+#include "cad/db/EntityFactory.h"
+#include "cad/db/EntityProperties.h"
+#include "cad/db/Explode.h"
+#include "cad/db/ExtensionDictionary.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/db/SymbolTables.h"
+#include "cad/db/Transform.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace veltarn::db {
+namespace {
+
+Handle append(Database& db, Handle block, TagList tags) {
+    auto added = db.appendEntity(block, std::move(tags));
+    EXPECT_TRUE(added.ok()) << added.message();
+    return added.ok() ? *added : kNoHandle;
+}
+
+TagList withNormal(TagList tags, const Point3& normal) {
+    tags.addPoint(gc::kNormalX, normal);
+    return tags;
+}
+
+TagList attributeDefinition(const Database& db, std::string_view tag, std::string_view value, int flags) {
+    TagList tags = newEntity(db, "ATTDEF");
+    tags.add(100, "AcDbText");
+    tags.addPoint(10, {0.5, 2, 0});
+    tags.addReal(40, 0.5);
+    tags.add(1, std::string(value));
+    tags.add(100, "AcDbAttributeDefinition");
+    tags.add(3, "prompt");
+    tags.add(2, std::string(tag));
+    tags.addInteger(70, flags);
+    return tags;
+}
+
+// A block reference with attributes as CAD programs write it.
+TagList insertWithAttribute(const Database& db, std::string_view block, const Point3& at, std::string_view value, int flags) {
+    TagList tags = newInsert(db, block, at, 1, 0);
+    tags.insert(tags.find(100, "AcDbBlockReference") + 1, 66, "1");
+    tags.add(0, "ATTRIB");
+    tags.add(100, "AcDbEntity");
+    tags.add(8, "0");
+    tags.add(100, "AcDbText");
+    tags.addPoint(10, at + Point3{1, 1, 0});
+    tags.addReal(40, 0.5);
+    tags.add(1, std::string(value));
+    tags.add(100, "AcDbAttribute");
+    tags.add(2, "ID");
+    tags.addInteger(70, flags);
+    tags.add(0, "SEQEND");
+    tags.add(100, "AcDbEntity");
+    tags.add(8, "0");
+    return tags;
+}
+
+TEST(Explode, PiecesLieWhereAnIndependentExplodeShowsThem) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database db = Database::createNew();
+    Handle model = db.modelSpace();
+    Handle inner = db.addBlock("INNER", {0, 0, 0}).value();
+    append(db, inner, newLine(db, {0, 0, 0}, {0, 1, 0}));
+    Handle symbol = db.addBlock("SYM", {1, 1, 0}).value();
+    append(db, symbol, newLine(db, {1, 1, 0}, {3, 1, 0}));
+    append(db, symbol, newArc(db, {2, 2, 0}, 1, 10, 100));
+    append(db, symbol, newCircle(db, {1, 3, 0}, 0.5));
+    append(db, symbol, newLwpolyline(db, {{{0, 0, 0}, 0.5}, {{2, 0, 0}, -1}, {{2, 2, 0}, 0}}, true));
+    append(db, symbol, newText(db, {1, 4, 0}, 0.25, "label"));
+    append(db, symbol, newInsert(db, "INNER", {3, 3, 0}, 2, 15));
+    append(db, symbol, attributeDefinition(db, "C", "constant", 2));
+    append(db, symbol, attributeDefinition(db, "ID", "?", 0));
+    TagList tilted = newArc(db, {0, 0, 0.5}, 1, 0, 90);
+    tilted.setPointIn("AcDbCircle", gc::kNormalX, {0, 0.6, 0.8});
+    append(db, symbol, tilted);
+
+    std::vector<Handle> targets;
+    targets.push_back(append(db, model, newInsert(db, "SYM", {10, 5, 0}, 2, 30)));
+    TagList mirrored = newInsert(db, "SYM", {-4, 2, 1}, 1.5, 45);
+    setRealProperty(mirrored, Property::ScaleX, -1.5);
+    targets.push_back(append(db, model, mirrored));
+    targets.push_back(append(db, model, withNormal(newInsert(db, "SYM", {2, 2, 3}, 1, 60), {0.6, 0, 0.8})));
+    targets.push_back(append(db, model, insertWithAttribute(db, "SYM", {20, 0, 0}, "attr:visible", 0)));
+    targets.push_back(append(db, model, insertWithAttribute(db, "SYM", {30, 0, 0}, "attr:hidden", 1)));
+    targets.push_back(append(db, model, newLwpolyline(db, {{{0, 0, 0}, 1}, {{4, 0, 0}, -0.3}, {{4, 3, 0}, 0}, {{4, 3, 0}, 0}}, true)));
+    targets.push_back(append(db, model, withNormal(newLwpolyline(db, {{{1, 1, 2}, 0.4}, {{3, 1, 2}, 0}, {{3, 4, 2}, 0}}, false), {0, 0, -1})));
+
+    auto dir = test::scratchDir("explode");
+    ASSERT_TRUE(db.save(dir / "before.dxf").ok());
+    std::string handles;
+    for (Handle h : targets) {
+        handles += (handles.empty() ? "" : ",") + formatHandle(h);
+        auto pieces = explodeInPlace(db, h);
+        ASSERT_TRUE(pieces.ok()) << pieces.message();
+        EXPECT_FALSE(pieces->empty());
+        EXPECT_EQ(db.status(h), OpenStatus::Erased);
+    }
+    ASSERT_TRUE(db.save(dir / "after.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "after.dxf"), "");
+    std::string differences;
+    EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/explode_check.py " + (dir / "before.dxf").string() + " " +
+                                  (dir / "after.dxf").string() + " " + handles, &differences), 0);
+    EXPECT_EQ(differences, "");
+}
+
+TEST(Explode, PolylinesBreakIntoLinesAndArcsWithTheirProperties) {
+    Database db = Database::createNew();
+    Handle model = db.modelSpace();
+    TagList polyline = newLwpolyline(db, {{{0, 0, 0}, 1}, {{2, 0, 0}, 0}, {{2, 2, 0}, 0}}, false);
+    setLayer(polyline, "ROADS");
+    setColor(polyline, Color::ofIndex(3));
+    setLinetype(polyline, "DASHED");
+    setLineweight(polyline, 50);
+    auto pieces = explode(db, append(db, model, polyline)).value();
+    ASSERT_EQ(pieces.size(), 2u);  // open: no closing segment
+    EXPECT_EQ(pieces[0].type(), "ARC");
+    EXPECT_EQ(pieces[1].type(), "LINE");
+    for (const TagList& piece : pieces) {
+        CommonProperties common = commonProperties(piece);
+        EXPECT_EQ(common.layer, "ROADS");
+        EXPECT_EQ(common.color, Color::ofIndex(3));
+        EXPECT_EQ(common.linetype, "DASHED");
+        EXPECT_EQ(common.lineweight, 50);
+    }
+    // A half circle below the chord from (0,0) to (2,0): centre (1,0), radius 1, from 180 to 0.
+    EXPECT_EQ(pieces[0].point(10), (Point3{1, 0, 0}));
+    EXPECT_DOUBLE_EQ(pieces[0].real(40).value(), 1);
+    EXPECT_DOUBLE_EQ(pieces[0].real(50).value(), 180);
+    EXPECT_NEAR(std::fmod(pieces[0].real(51).value(), 360), 0, 1e-9);
+
+    // An old-style 3D polyline: lines between its vertices, closed back to the first.
+    TagList poly3d = newEntity(db, "POLYLINE");
+    poly3d.add(100, "AcDb3dPolyline");
+    poly3d.add(66, "1");
+    poly3d.addPoint(10, {});
+    poly3d.add(70, "9");
+    Handle h = append(db, model, poly3d);
+    {
+        ObjectWriter w = db.openForWrite(h);
+        ASSERT_TRUE(setPolylineVertices(db, w.tags(), {{{0, 0, 0}}, {{1, 0, 1}}, {{1, 1, 2}}}));
+    }
+    auto lines = explode(db, h).value();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1].point(10), (Point3{1, 0, 1}));
+    EXPECT_EQ(lines[2].point(11), (Point3{0, 0, 0}));
+}
+
+TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
+    Database db = Database::createNew();
+    Handle model = db.modelSpace();
+    Handle block = db.addBlock("HATCHED").value();
+    append(db, block, newHatch(db, "SOLID", {{{0, 0, 0}}, {{1, 0, 0}}, {{1, 1, 0}}}));
+    Handle hatched = append(db, model, newInsert(db, "HATCHED", {}));
+    Handle circles = db.addBlock("ROUND").value();
+    append(db, circles, newCircle(db, {}, 1));
+    TagList squashed = newInsert(db, "ROUND", {});
+    setRealProperty(squashed, Property::ScaleY, 3);
+    Handle squash = append(db, model, squashed);
+    Handle line = append(db, model, newLine(db, {}, {1, 1, 0}));
+    Handle missing = append(db, model, newInsert(db, "NOSUCH", {}));
+    const std::string before = test::withoutSeed(db);
+    for (Handle h : {hatched, squash, line, missing}) EXPECT_FALSE(explodeInPlace(db, h).ok()) << formatHandle(h);
+    EXPECT_TRUE(test::withoutSeed(db) == before);
+
+    // Locked layers are refused by the command, not by the plain explode.
+    writeLayer(db, {.name = "LOCKED", .flags = kLayerLocked}).value();
+    TagList onLocked = newLwpolyline(db, {{{0, 0, 0}}, {{1, 0, 0}}}, false);
+    setLayer(onLocked, "LOCKED");
+    Handle locked = append(db, model, onLocked);
+    EXPECT_TRUE(explode(db, locked).ok());
+    EXPECT_FALSE(explodeInPlace(db, locked).ok());
+}
+
+TEST(Explode, TheCommandIsUndoneWholeAndKeepsHandlesUnique) {
+    Database db = Database::createNew();
+    Handle model = db.modelSpace();
+    Handle block = db.addBlock("P").value();
+    TagList poly = newEntity(db, "POLYLINE");
+    poly.add(100, "AcDb2dPolyline");
+    poly.add(66, "1");
+    poly.addPoint(10, {});
+    poly.add(70, "0");
+    Handle inBlock = append(db, block, poly);
+    {
+        ObjectWriter w = db.openForWrite(inBlock);
+        ASSERT_TRUE(setPolylineVertices(db, w.tags(), {{{0, 0, 0}}, {{1, 0, 0}}}));
+    }
+    Handle reference = append(db, model, newInsert(db, "P", {5, 5, 0}));
+    (void)createExtensionDictionary(db, reference).value();
+    const std::string before = test::withoutSeed(db);
+    db.beginCommand("EXPLODE");
+    auto pieces = explodeInPlace(db, reference);
+    db.endCommand();
+    ASSERT_TRUE(pieces.ok()) << pieces.message();
+    ASSERT_EQ(pieces->size(), 1u);
+    // The copied polyline's vertices got handles of their own, owned by the copy.
+    TagList copy = db.tags(pieces->front());
+    for (std::size_t i = 1; i < copy.size(); ++i) {
+        if (copy[i].code != 0) continue;
+        Handle sub = parseHandle(copy.text(5, i).value()).value();
+        EXPECT_EQ(db.blockOf(sub), model) << "sub-entity " << formatHandle(sub) << " still belongs to the block";
+        EXPECT_EQ(copy.text(330, i).value(), formatHandle(pieces->front()));
+    }
+    EXPECT_EQ(copy.point(10, copy.find(0, "VERTEX")).value(), (Point3{5, 5, 0}));
+    ASSERT_TRUE(db.undo());
+    EXPECT_TRUE(test::withoutSeed(db) == before);
+}
+
+}  // namespace
+}  // namespace veltarn::db
