@@ -1,0 +1,42 @@
+// Opens workbench drawings for the object-data tests through the workbench's own implementation
+// of the seam.
+#include "TestDrawing.h"
+
+#include "cad/seam/WorkbenchDatabase.h"
+
+#include <gtest/gtest.h>
+
+namespace veltarn::test {
+
+namespace {
+
+class Drawing : public TestDrawing {
+public:
+    explicit Drawing(std::unique_ptr<seam::WorkbenchDatabase> db) : db_(std::move(db)) {}
+
+    host::Database& db() override { return *db_; }
+    void save(const std::filesystem::path& path) override {
+        auto saved = db_->raw().save(path);
+        ASSERT_TRUE(saved.ok()) << saved.message();
+    }
+
+private:
+    std::unique_ptr<seam::WorkbenchDatabase> db_;
+};
+
+}  // namespace
+
+std::unique_ptr<TestDrawing> TestDrawing::load(const std::string& fixture) {
+    auto loaded = seam::WorkbenchDatabase::read(std::filesystem::path(VELTARN_SOURCE_DIR) / "tests/data/data" / fixture);
+    if (!loaded) {
+        ADD_FAILURE() << loaded.message();
+        return createNew();
+    }
+    return std::make_unique<Drawing>(std::move(*loaded));
+}
+
+std::unique_ptr<TestDrawing> TestDrawing::createNew() {
+    return std::make_unique<Drawing>(std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew()));
+}
+
+}  // namespace veltarn::test
