@@ -2,6 +2,19 @@
 
 namespace veltarn::app {
 
+std::string unescapeCommandText(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == 'n' || text[i + 1] == '\\')) {
+            out += text[i + 1] == 'n' ? '\n' : '\\';
+            ++i;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
 ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
     ParsedOptions parsed;
     ProgramOptions& options = parsed.options;
@@ -22,6 +35,14 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
             auto value = valueOf(argument);
             if (!value) return parsed;
             options.saveAs = *value;
+        } else if (argument == "--script") {
+            auto value = valueOf(argument);
+            if (!value) return parsed;
+            options.inputs.push_back({ProgramInput::Kind::kScript, *value});
+        } else if (argument == "--command") {
+            auto value = valueOf(argument);
+            if (!value) return parsed;
+            options.inputs.push_back({ProgramInput::Kind::kCommand, unescapeCommandText(*value)});
         } else if (argument.size() > 1 && argument[0] == '-') {
             parsed.error = "unknown option '" + argument + "'";
             return parsed;
@@ -36,16 +57,22 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
 }
 
 std::string usageText() {
-    return "usage: veltarn [DRAWING] [--save-as OUT]\n"
+    return "usage: veltarn [DRAWING] [--script FILE]... [--command TEXT]... [--save-as OUT]\n"
            "\n"
-           "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018) and, with --save-as,\n"
-           "writes it to OUT in the version, encoding and form it was read in.\n"
+           "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
+           "given), runs the scripts and command texts in the order given, then, with --save-as,\n"
+           "writes the drawing to OUT. Without scripts or commands it reads commands from standard\n"
+           "input: with line editing and history at a terminal, else to the end of the input.\n"
            "\n"
            "options:\n"
+           "  --script FILE   run the command lines of FILE\n"
+           "  --command TEXT  run TEXT as typed; the two characters \\n in it are a line end\n"
            "  --save-as OUT   save the drawing to OUT when the run ends\n"
            "  --help          show this text\n"
            "  --version       show the program's version\n"
            "\n"
+           "The transcript (prompts, answers, what commands print) goes to standard output, the\n"
+           "program's own errors to standard error.\n"
            "exit status: 0 on success, 1 on a file error, 2 on a usage error\n";
 }
 

@@ -7,9 +7,17 @@
 
 namespace veltarn::app {
 
+// One piece of the input, in the order given: a script file, or a command text.
+struct ProgramInput {
+    enum class Kind { kScript, kCommand };
+    Kind kind;
+    std::string value;  // the file's path, or the text with "\n" already turned into line ends
+};
+
 struct ProgramOptions {
     std::optional<std::string> drawing;  // the drawing to open; a new one when absent
     std::optional<std::string> saveAs;   // where to save when the run ends
+    std::vector<ProgramInput> inputs;
     bool help = false;
     bool version = false;
 };
@@ -23,6 +31,10 @@ struct ParsedOptions {
 };
 
 ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments);
+
+// A command text as typed on the program's command line: the two characters "\n" are a line end
+// and "\\" a backslash; any other backslash stays as it is.
+std::string unescapeCommandText(const std::string& text);
 
 std::string usageText();
 

@@ -1,15 +1,65 @@
-// The veltarn program: opens a drawing, runs what it is asked to, and saves.
-#include "ProgramOptions.h"
+// The veltarn program: opens a drawing, loads the module, runs the command lines it is given (or
+// those typed), and saves when asked.
+#include <unistd.h>
 
-#include "cad/dxf/TagFile.h"
-#include "cad/dxf/TagWriter.h"
-
+#include <clocale>
 #include <cstdio>
 #include <iostream>
 
+#include "ProgramInputFeed.h"
+#include "ProgramOptions.h"
+#include "app/ModuleEntry.h"
+#include "cad/commands/HostSession.h"
+#include "cad/seam/WorkbenchHost.h"
+#include "host/Utf8.h"
+
 using namespace veltarn;
 
+namespace {
+
+// The transcript on standard output. At a terminal the text after the last line end is a prompt
+// that the line editor shows itself, so it is held back until the next line is read.
+class Transcript {
+public:
+    explicit Transcript(bool holdPrompts) : holdPrompts_(holdPrompts) {}
+    ~Transcript() { flush(); }
+
+    void write(const std::wstring& text) {
+        std::string bytes = host::toUtf8(text);
+        if (!holdPrompts_) {
+            std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+            return;
+        }
+        pending_ += bytes;
+        const std::size_t end = pending_.rfind('\n');
+        if (end == std::string::npos) return;
+        std::fwrite(pending_.data(), 1, end + 1, stdout);
+        std::fflush(stdout);
+        pending_.erase(0, end + 1);
+    }
+    std::string takePrompt() { return std::exchange(pending_, {}); }
+    void flush() {
+        std::fwrite(pending_.data(), 1, pending_.size(), stdout);
+        pending_.clear();
+        std::fflush(stdout);
+    }
+
+private:
+    bool holdPrompts_;
+    std::string pending_;
+};
+
+int fail(int code, const std::string& message) {
+    std::fflush(stdout);
+    std::cerr << "veltarn: " << message << "\n";
+    return code;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    // Names and keywords are lower-cased with towlower under a UTF-8 locale.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     std::vector<std::string> arguments(argv + 1, argv + argc);
     app::ParsedOptions parsed = app::parseProgramOptions(arguments);
     if (!parsed.error.empty()) {
@@ -25,21 +75,57 @@ int main(int argc, char** argv) {
         std::cout << "veltarn " VELTARN_VERSION "\n";
         return app::kExitOk;
     }
-    if (!options.drawing) {
-        std::cerr << "veltarn: no drawing given\n" << app::usageText();
-        return app::kExitUsage;
+
+    // Everything that can fail on a file is read before the first command runs.
+    std::unique_ptr<seam::WorkbenchDatabase> drawing;
+    if (options.drawing) {
+        auto read = seam::WorkbenchDatabase::read(*options.drawing);
+        if (!read) return fail(app::kExitFileError, read.message());
+        drawing = std::move(read.value());
+    } else {
+        drawing = std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew());
+    }
+    const bool interactive = options.inputs.empty() && ::isatty(STDIN_FILENO);
+    Transcript transcript(interactive);
+    app::LineSource source;
+    if (!options.inputs.empty()) {
+        auto feed = app::feedOfInputs(options.inputs);
+        if (!feed) return fail(app::kExitFileError, feed.message());
+        source = std::move(feed.value());
+    } else if (interactive) {
+        source = app::feedOfTerminal([&transcript] { return transcript.takePrompt(); });
+    } else {
+        source = app::feedOfStandardInput();
     }
 
-    auto drawing = dxf::TagFile::load(*options.drawing);
-    if (!drawing) {
-        std::cerr << "veltarn: " << drawing.message() << "\n";
-        return app::kExitFileError;
+    seam::WorkbenchHost workbench([&transcript](const std::wstring& text) { transcript.write(text); },
+                                  editor::SettingsEnvironment::defaultFile());
+    cad::HostSession session(workbench);
+    cad::registerHostCommands(session);
+    workbench.openDocument(std::move(drawing));
+
+    // The module is loaded once the first document is open, and told of each document after.
+    veltarnEntryPoint(AppMessage::kInitApp, workbench);
+    veltarnEntryPoint(AppMessage::kLoadDwg, workbench);
+    workbench.setDocumentEvents([&workbench] { veltarnEntryPoint(AppMessage::kUnloadDwg, workbench); },
+                                [&workbench] { veltarnEntryPoint(AppMessage::kLoadDwg, workbench); });
+
+    editor::CommandLine& commandLine = workbench.commandLine();
+    // A person at a terminal sees the typing; a script's transcript shows each answer after its prompt.
+    commandLine.setEcho(!interactive);
+    commandLine.input() = editor::CommandInput(std::move(source));
+    while (!session.quitRequested && commandLine.step()) {
     }
+
+    workbench.setDocumentEvents(nullptr, nullptr);
+    veltarnEntryPoint(AppMessage::kUnloadDwg, workbench);
+    veltarnEntryPoint(AppMessage::kUnloadApp, workbench);
+    transcript.flush();
+
     if (options.saveAs) {
-        if (auto saved = dxf::saveUnchanged(*drawing, *options.saveAs); !saved) {
-            std::cerr << "veltarn: " << saved.message() << "\n";
-            return app::kExitFileError;
-        }
+        seam::WorkbenchDatabase* current = workbench.currentDrawing();
+        if (!current) return fail(app::kExitFileError, "no drawing is open to save");
+        if (auto saved = current->raw().save(*options.saveAs); !saved) return fail(app::kExitFileError, saved.message());
     }
     return app::kExitOk;
 }

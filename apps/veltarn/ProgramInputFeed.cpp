@@ -1,0 +1,89 @@
+#include "ProgramInputFeed.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "host/Utf8.h"
+
+#ifdef VELTARN_HAVE_LIBEDIT
+#include <editline/readline.h>
+#endif
+
+namespace veltarn::app {
+namespace {
+
+// Hands out the lines of one text, each with its line end.
+LineSource linesOf(std::wstring text) {
+    auto shared = std::make_shared<std::wstring>(std::move(text));
+    auto position = std::make_shared<std::size_t>(0);
+    return [shared, position]() -> std::optional<std::wstring> {
+        if (*position >= shared->size()) return std::nullopt;
+        std::size_t end = shared->find(L'\n', *position);
+        end = end == std::wstring::npos ? shared->size() : end + 1;
+        std::wstring line = shared->substr(*position, end - *position);
+        *position = end;
+        return line;
+    };
+}
+
+}  // namespace
+
+dxf::Result<LineSource> feedOfInputs(const std::vector<ProgramInput>& inputs) {
+    std::string all;
+    for (const ProgramInput& input : inputs) {
+        if (input.kind == ProgramInput::Kind::kCommand) {
+            all += input.value;
+            continue;
+        }
+        std::ifstream in(input.value, std::ios::binary);
+        if (!in) return dxf::makeError(input.value + ": cannot read the script");
+        std::ostringstream bytes;
+        bytes << in.rdbuf();
+        std::string text = bytes.str();
+        if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+        // Each script ends its last line, so that the next piece starts on a line of its own.
+        if (!text.empty() && text.back() != '\n') text += '\n';
+        all += text;
+    }
+    return linesOf(host::fromUtf8(all));
+}
+
+LineSource feedOfStandardInput() {
+    return []() -> std::optional<std::wstring> {
+        std::string line;
+        if (!std::getline(std::cin, line)) return std::nullopt;
+        // A last line without its line end is still a line.
+        return host::fromUtf8(line) + L"\n";
+    };
+}
+
+LineSource feedOfTerminal(std::function<std::string()> takePrompt) {
+#ifdef VELTARN_HAVE_LIBEDIT
+    return [takePrompt]() -> std::optional<std::wstring> {
+        const std::string prompt = takePrompt();
+        char* typed = ::readline(prompt.c_str());
+        if (!typed) {
+            std::fputs("\n", stdout);
+            return std::nullopt;
+        }
+        std::string line(typed);
+        std::free(typed);
+        if (!line.empty()) ::add_history(line.c_str());
+        return host::fromUtf8(line) + L"\n";
+    };
+#else
+    return [takePrompt]() -> std::optional<std::wstring> {
+        std::fputs(takePrompt().c_str(), stdout);
+        std::fflush(stdout);
+        std::string line;
+        if (!std::getline(std::cin, line)) return std::nullopt;
+        return host::fromUtf8(line) + L"\n";
+    };
+#endif
+}
+
+}  // namespace veltarn::app

@@ -1,0 +1,91 @@
+// NEW, OPEN, SAVE, SAVEAS and QUIT: the drawing of the session, its file, and the end of the session.
+#include "cad/commands/HostSession.h"
+
+#include "cad/seam/ValueConversion.h"
+#include "host/CommandFlags.h"
+
+namespace veltarn::cad {
+namespace {
+
+using host::PromptStatus;
+
+const host::FileDialogRequest kDrawingFile{L"Drawing", L"", L"dxf", L"Drawing (*.dxf)|*.dxf||", false, false};
+
+// Saves the current drawing to `path`; the drawing then belongs to that file and is unmodified.
+bool saveTo(HostSession& session, const std::wstring& path) {
+    seam::WorkbenchDatabase* drawing = session.host.currentDrawing();
+    if (!drawing) return false;
+    const std::filesystem::path file(seam::narrow(path));
+    if (auto saved = drawing->raw().save(file); !saved) {
+        session.host.editor().print(L"Error: " + seam::wide(saved.message()) + L"\n");
+        return false;
+    }
+    drawing->setPath(file);
+    drawing->setModified(false);
+    return true;
+}
+
+bool saveAs(HostSession& session) {
+    seam::WorkbenchDocument* document = session.host.workbenchDocuments().currentDocument();
+    if (!document) return false;
+    host::FileDialogRequest request = kDrawingFile;
+    request.title = L"Save Drawing As";
+    request.initialPath = document->fileName();
+    request.confirmOverwrite = true;
+    std::optional<std::wstring> path = session.host.dialogs().saveFile(request);
+    return path && saveTo(session, *path);
+}
+
+bool save(HostSession& session) {
+    seam::WorkbenchDatabase* drawing = session.host.currentDrawing();
+    if (!drawing) return false;
+    if (drawing->path().empty()) return saveAs(session);
+    return saveTo(session, drawing->fileName());
+}
+
+// Before the drawing is closed: a changed drawing is saved, dropped, or kept open, as answered.
+// True when the caller may go on and close it.
+bool mayClose(HostSession& session) {
+    seam::WorkbenchDocument* document = session.host.workbenchDocuments().currentDocument();
+    if (!document || !document->database().modified()) return true;
+    std::wstring answer;
+    const PromptStatus status = session.host.editor().getKeyword(
+        L"Save changes to " + document->fileName() + L"? [Yes/No/Cancel] <Yes>: ", {L"Yes", L"No", L"Cancel"}, answer);
+    if (status == PromptStatus::kNone) answer = L"Yes";
+    else if (status != PromptStatus::kNormal) return false;
+    if (answer == L"Cancel") return false;
+    if (answer == L"No") return true;
+    return save(session);
+}
+
+}  // namespace
+
+void registerDrawingCommands(HostSession& session) {
+    host::CommandStack& commands = session.host.commandStack();
+    const std::wstring group = kHostGroup;
+    commands.addCommand(group, L"NEW", L"NEW", host::CommandFlags::kModal, [&session] {
+        if (!mayClose(session)) return;
+        session.host.openDocument(std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew()));
+    });
+    commands.addCommand(group, L"OPEN", L"OPEN", host::CommandFlags::kModal, [&session] {
+        host::FileDialogRequest request = kDrawingFile;
+        request.title = L"Select File";
+        std::optional<std::wstring> path = session.host.dialogs().openFile(request);
+        if (!path) return;
+        // Read first: a file that cannot be read leaves the open drawing as it is.
+        auto read = seam::WorkbenchDatabase::read(seam::narrow(*path));
+        if (!read) {
+            session.host.editor().print(L"Error: " + seam::wide(read.message()) + L"\n");
+            return;
+        }
+        if (!mayClose(session)) return;
+        session.host.openDocument(std::move(read.value()));
+    });
+    commands.addCommand(group, L"SAVE", L"SAVE", host::CommandFlags::kModal, [&session] { (void)save(session); });
+    commands.addCommand(group, L"SAVEAS", L"SAVEAS", host::CommandFlags::kModal, [&session] { (void)saveAs(session); });
+    commands.addCommand(group, L"QUIT", L"QUIT", host::CommandFlags::kModal, [&session] {
+        if (mayClose(session)) session.quitRequested = true;
+    });
+}
+
+}  // namespace veltarn::cad

@@ -1,0 +1,15 @@
+#include "cad/commands/HostSession.h"
+
+namespace veltarn::cad {
+
+void registerHostCommands(HostSession& session) {
+    registerDrawingCommands(session);
+    registerUndoCommands(session);
+    registerSelectionCommands(session);
+    registerListCommand(session);
+    registerLayerCommand(session);
+    registerScriptCommand(session);
+    registerHelpCommand(session);
+}
+
+}  // namespace veltarn::cad

@@ -1,0 +1,37 @@
+// What the workbench's own commands share: the host, and the state of the session they change.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "cad/seam/WorkbenchHost.h"
+
+namespace veltarn::cad {
+
+struct HostSession {
+    explicit HostSession(seam::WorkbenchHost& h) : host(h) {}
+
+    seam::WorkbenchHost& host;
+    // Set by QUIT: the program stops reading input.
+    bool quitRequested = false;
+    // Extra lines LIST prints for an entity after its extension dictionary (the module's object
+    // data in readable form); empty text adds nothing.
+    std::function<std::wstring(host::Database&, host::ObjectId)> listObjectData;
+};
+
+// The command group of the workbench's own commands.
+inline constexpr wchar_t kHostGroup[] = L"WORKBENCH";
+
+// Registers every host command of the workbench.
+void registerHostCommands(HostSession& session);
+
+// Each file's commands; registerHostCommands() calls them in this order.
+void registerDrawingCommands(HostSession& session);    // NEW, OPEN, SAVE, SAVEAS, QUIT
+void registerUndoCommands(HostSession& session);       // UNDO, U, REDO
+void registerSelectionCommands(HostSession& session);  // SELECT, ERASE
+void registerListCommand(HostSession& session);        // LIST
+void registerLayerCommand(HostSession& session);       // -LAYER
+void registerScriptCommand(HostSession& session);      // SCRIPT
+void registerHelpCommand(HostSession& session);        // HELP
+
+}  // namespace veltarn::cad
