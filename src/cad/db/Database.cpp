@@ -481,16 +481,17 @@ Handle Database::findRecord(std::string_view table, std::string_view recordName)
     return kNoHandle;
 }
 
-Result<Handle> Database::addRecord(std::string_view table, TagList tags) {
+Result<Handle> Database::addRecord(std::string_view table, TagList tags, Handle preset) {
     int t = tableIndexOf(table);
     if (t < 0) return dxf::makeError(name() + ": the drawing has no " + std::string(table) + " table");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("a table record must start with its type (group code 0)");
     auto recordName = tags.text(gc::kName);
     if (recordName && findRecord(table, *recordName) != kNoHandle)
         return dxf::makeError("the " + std::string(table) + " table has a record named \"" + std::string(*recordName) + "\" already");
+    if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
     TableEntry& entry = tables_[static_cast<std::size_t>(t)];
     Slot slot;
-    slot.handle = allocateHandle();
+    slot.handle = preset != kNoHandle ? preset : allocateHandle();
     slot.section = Section::Tables;
     slot.container = static_cast<std::uint32_t>(t);
     int handleCode = sameName(table, "DIMSTYLE") ? gc::kDimStyleHandle : gc::kHandle;
@@ -558,6 +559,15 @@ bool Database::redo() {
     journal_.markRedone();
     notifyUndone(command.first, command.last, false);
     return true;
+}
+
+void Database::rollBack(std::size_t mark) {
+    const auto& changes = journal_.changes();
+    if (mark >= changes.size()) return;
+    std::size_t last = changes.size();
+    for (std::size_t i = last; i-- > mark;) setState(changes[i].slot, changes[i].before);
+    notifyUndone(mark, last, true);
+    journal_.truncate(mark);
 }
 
 // --- Change notifications -----------------------------------------------------------------------

@@ -137,8 +137,9 @@ public:
     Handle tableHandle(std::string_view table) const;
     std::vector<Handle> records(std::string_view table) const;
     Handle findRecord(std::string_view table, std::string_view name) const;  // case-insensitive
-    // Adds a table record: `tags` starts with its "0" type; handle and owner are set here.
-    Result<Handle> addRecord(std::string_view table, TagList tags);
+    // Adds a table record: `tags` starts with its "0" type; handle and owner are set here
+    // (`handle`: as for appendEntity).
+    Result<Handle> addRecord(std::string_view table, TagList tags, Handle handle = kNoHandle);
 
     // --- Objects section ----------------------------------------------------------------------
     // Adds an object at the end of the OBJECTS section; fails in R12 drawings, which have none.
@@ -157,6 +158,10 @@ public:
     void endCommand() { journal_.end(); }
     bool undo();
     bool redo();
+    // For operations that must not be left half done: the changes recorded after `changeMark()`
+    // are reverted and forgotten by `rollBack`. Needs recording on (an open command).
+    std::size_t changeMark() const { return journal_.changes().size(); }
+    void rollBack(std::size_t mark);
 
     // --- Change notifications -----------------------------------------------------------------
     // Observers are not owned; each is added once (a second add is ignored) and must be removed

@@ -1,5 +1,7 @@
 #include "cad/db/UndoJournal.h"
 
+#include <algorithm>
+
 namespace veltarn::db {
 
 void UndoJournal::begin(std::string name) {
@@ -38,6 +40,12 @@ void UndoJournal::record(std::uint32_t slot, State before, State after) {
     if (!recording()) return;
     changes_.push_back({slot, before, after});
     commands_.back().last = changes_.size();
+}
+
+void UndoJournal::truncate(std::size_t mark) {
+    if (mark >= changes_.size()) return;
+    changes_.resize(mark);
+    if (!commands_.empty() && commands_.back().last > mark) commands_.back().last = std::max(mark, commands_.back().first);
 }
 
 const std::string& UndoJournal::nextUndoName() const {

@@ -33,6 +33,8 @@ public:
     void setEnabled(bool enabled);
 
     void record(std::uint32_t slot, State before, State after);
+    // Forgets the changes from `mark` on (they were reverted), within the open command.
+    void truncate(std::size_t mark);
 
     bool canUndo() const { return done_ > 0; }
     bool canRedo() const { return done_ < commands_.size(); }

@@ -1,0 +1,126 @@
+// Copying records between drawings: references translated, existing records kept, nothing half done.
+#include "TestSupport.h"
+
+#include "cad/db/Dictionary.h"
+#include "cad/db/EntityFactory.h"
+#include "cad/db/GroupCodes.h"
+#include "cad/db/RecordCopier.h"
+#include "cad/db/SymbolTables.h"
+
+#include <gtest/gtest.h>
+
+namespace veltarn::db {
+namespace {
+
+std::filesystem::path resources() {
+    auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db-generated";
+    std::filesystem::create_directories(dir);
+    auto file = dir / "resources.dxf";
+    if (!std::filesystem::exists(file)) {
+        std::string out;
+        EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_resources.py " + file.string(), &out), 0) << out;
+    }
+    return file;
+}
+
+// Every pointer held by the target's objects leads to an object of the target.
+void expectPointersResolve(const Database& db, const std::vector<Handle>& objects) {
+    for (Handle object : objects) {
+        TagList tags = db.tags(object);
+        for (const TagValue& tag : tags) {
+            bool pointer = (tag.code >= 320 && tag.code <= 369) || (tag.code >= 390 && tag.code <= 399);
+            Handle to = pointer ? parseHandle(tag.value).value_or(kNoHandle) : kNoHandle;
+            if (to == kNoHandle) continue;
+            EXPECT_TRUE(db.exists(to)) << db.typeName(object) << " " << formatHandle(object) << " code " << tag.code << " -> " << tag.value;
+        }
+    }
+}
+
+std::string names(const std::vector<std::string>& list) {
+    std::string out;
+    for (const auto& n : list) out += (out.empty() ? "" : ",") + n;
+    return out;
+}
+
+TEST(RecordCopier, RecordsComeWithWhatTheyReferToAndExistingOnesAreKept) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database source = test::loadOrFail(resources());
+    Database target = Database::createNew();
+    writeLayer(target, {.name = "roads", .color = 5}).value();
+
+    // A layer the target has is kept as it is, whatever the source's says.
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::Layer, {"ROADS"}).value()), "");
+    EXPECT_EQ(readLayer(target, "ROADS")->color, 5);
+
+    // A block brings its nested block, its layers, their linetypes and its text style.
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::Block, {"tree", "NOSUCH"}).value()), "TREE");
+    Handle tree = target.findBlock("TREE"), leaf = target.findBlock("LEAF");
+    ASSERT_NE(tree, kNoHandle);
+    ASSERT_NE(leaf, kNoHandle);
+    EXPECT_EQ(target.entitiesOf(tree).size(), 4u);
+    EXPECT_EQ(target.entitiesOf(leaf).size(), 1u);
+    EXPECT_EQ(readLayer(target, "TREES")->color, 2);
+    EXPECT_NE(target.findRecord("STYLE", "ROMANS"), kNoHandle);
+    EXPECT_EQ(target.tags(target.blockBegin(tree)).point(10), (Point3{1, 1, 0}));
+
+    // A dimension style points at the target's text style (the one copied above, not a second)
+    // and brings its arrow block.
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::DimensionStyle, {"ARCH", "Standard"}).value()), "ARCH");
+    TagList arch = target.tags(target.findRecord("DIMSTYLE", "ARCH"));
+    EXPECT_EQ(arch.text(340).value(), formatHandle(target.findRecord("STYLE", "ROMANS")));
+    EXPECT_EQ(recordNames(target, "STYLE").size(), 2u);
+    EXPECT_NE(target.findBlock("_ARCHTICK"), kNoHandle);
+
+    // Styles kept in dictionaries, and a layout with its paper space.
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::MlineStyle, {"DOUBLE", "STANDARD"}).value()), "DOUBLE");
+    EXPECT_NE(target.findRecord("LTYPE", "DASHED"), kNoHandle);
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::MleaderStyle, {"CALLOUT"}).value()), "CALLOUT");
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::Layout, {"Plan", "Layout1"}).value()), "Plan");
+    Handle plan = layoutBlock(target, "Plan");
+    ASSERT_NE(plan, kNoHandle);
+    EXPECT_EQ(target.entitiesOf(plan).size(), source.entitiesOf(layoutBlock(source, "Plan")).size());
+
+    std::vector<Handle> all;
+    for (std::string_view table : {"LAYER", "LTYPE", "STYLE", "DIMSTYLE", "BLOCK_RECORD"})
+        for (Handle h : target.records(table)) all.push_back(h);
+    for (Handle block : target.blocks())
+        for (Handle h : target.entitiesOf(block)) all.push_back(h);
+    for (std::string_view dictionary : {"ACAD_MLINESTYLE", "ACAD_MLEADERSTYLE", "ACAD_LAYOUT"})
+        for (const auto& name : namedEntries(target, dictionary)) all.push_back(namedEntry(target, dictionary, name));
+    expectPointersResolve(target, all);
+
+    auto dir = test::scratchDir("record-copier");
+    ASSERT_TRUE(target.save(dir / "t.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "t.dxf"), "");
+    Database back = test::loadOrFail(dir / "t.dxf");
+    EXPECT_EQ(layoutNames(back).size(), 3u);
+}
+
+TEST(RecordCopier, ACopyIsUndoneWholeAndRefusedWhereTheTargetCannotHoldIt) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database source = test::loadOrFail(resources());
+    Database target = Database::createNew();
+    const std::string before = test::withoutSeed(target);
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::Block, {"TREE"}).value()), "TREE");
+    ASSERT_TRUE(target.undo());
+    EXPECT_TRUE(test::withoutSeed(target) == before);
+
+    // Inside an open command, a failing step rolls back what the command did since the mark only.
+    target.beginCommand("IMPORT");
+    Handle kept = target.appendEntity(target.modelSpace(), newLine(target, {}, {1, 0, 0})).value();
+    std::size_t mark = target.changeMark();
+    (void)target.addBlock("HALF").value();
+    target.rollBack(mark);
+    target.endCommand();
+    EXPECT_EQ(target.findBlock("HALF"), kNoHandle);
+    EXPECT_TRUE(target.exists(kept));
+
+    Database r12 = test::parseOrFail("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n70\n1\n0\nENDTAB\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    const std::string r12Before = r12.toText().value();
+    EXPECT_FALSE(copyRecords(r12, source, RecordKind::MlineStyle, {"DOUBLE"}).ok());
+    EXPECT_FALSE(copyRecords(r12, source, RecordKind::Layer, {"ROADS"}).ok());
+    EXPECT_TRUE(r12.toText().value() == r12Before);
+}
+
+}  // namespace
+}  // namespace veltarn::db
