@@ -213,3 +213,27 @@ TEST(Explode, TheCommandIsUndoneWholeAndKeepsHandlesUnique) {
 
 }  // namespace
 }  // namespace veltarn::db
+
+namespace veltarn::db {
+namespace {
+
+// Pieces take the form of the drawing they go into: an R12 drawing gets no subclass markers or owners.
+TEST(Explode, R12DrawingsStayReadable) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database db = test::loadOrFail(test::generated("all-r12.dxf", "40 --kinds all --version R12"));
+    int exploded = 0;
+    for (Handle entity : db.entitiesOf(db.modelSpace())) {
+        std::string_view type = db.typeName(entity);
+        if (type != "INSERT" && type != "POLYLINE") continue;
+        auto pieces = explodeInPlace(db, entity);
+        if (pieces.ok()) ++exploded;
+    }
+    EXPECT_GT(exploded, 2);
+    auto dir = test::scratchDir("explode-r12");
+    ASSERT_TRUE(db.save(dir / "r12.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "r12.dxf"), "");
+    EXPECT_EQ(db.toText().value().find("AcDb"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace veltarn::db
