@@ -47,7 +47,7 @@ public:
 
     void run() {
         const std::vector<std::wstring> options = {L"?", L"Make", L"Set", L"New", L"ON", L"OFF", L"Freeze", L"Thaw", L"LOck", L"Unlock"};
-        while (true) {
+        while (!cancelled_) {
             std::wstring option;
             const PromptStatus status =
                 editor_.getKeyword(L"Enter an option [?/Make/Set/New/ON/OFF/Freeze/Thaw/LOck/Unlock]: ", options, option);
@@ -73,7 +73,10 @@ private:
 
     bool ask(const std::wstring& prompt, std::wstring& answer) {
         // A space ends a name, as scripts that drive layers expect ("-LAYER N Roads S Roads ").
-        return editor_.getString(prompt, false, answer) == PromptStatus::kNormal && !answer.empty();
+        const PromptStatus status = editor_.getString(prompt, false, answer);
+        // A cancel ends the whole command, not just the option.
+        if (status != PromptStatus::kNormal) cancelled_ = true;
+        return status == PromptStatus::kNormal && !answer.empty();
     }
 
     void list() {
@@ -161,6 +164,7 @@ private:
     HostSession& session_;
     host::Editor& editor_;
     seam::WorkbenchDatabase& drawing_;
+    bool cancelled_ = false;
 };
 
 }  // namespace
