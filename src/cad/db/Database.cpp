@@ -169,6 +169,24 @@ std::uint32_t Database::create(Slot slot, std::uint32_t anchor, TagList& tags) {
     return index;
 }
 
+// The same for a blob built without a TagList; it holds no VERTEX or ATTRIB entities.
+std::uint32_t Database::createEncoded(Slot slot, std::uint32_t anchor, std::string_view type, std::string_view blob) {
+    slot.type = internType(type);
+    slot.flags = kOwned;
+    slot.begin = arena_.store(blob);
+    slot.size = static_cast<std::uint32_t>(blob.size());
+    slots_.push_back(slot);
+    auto index = static_cast<std::uint32_t>(slots_.size() - 1);
+    handles_.set(slot.handle, index);
+    if (anchor != lastAnchor_ || !lastAnchored_) {
+        lastAnchor_ = anchor;
+        lastAnchored_ = &anchored_[anchor];
+    }
+    lastAnchored_->push_back(index);
+    journal_.record(index, {0, 0, kErased}, stateOf(index));
+    return index;
+}
+
 // --- Objects ----------------------------------------------------------------------------------
 
 OpenStatus Database::status(Handle handle) const {
@@ -401,6 +419,74 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
     std::uint32_t index = create(slot, entry.anchor, tags);
     blocks_[static_cast<std::size_t>(b)].members.push_back(index);
     notifyAppended(handle);
+    return handle;
+}
+
+Result<Handle> Database::appendEntityWithData(Handle block, const TagList& entity, std::string_view key, const TagList& values) {
+    int b = blockIndexOf(block);
+    std::uint32_t objects = sectionEnd_[static_cast<int>(Section::Objects)];
+    if (r12_ || objects == kNoSlot)
+        return dxf::makeError(name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (b < 0) return dxf::makeError(name() + ": cannot add an entity: no block " + formatHandle(block));
+    BlockEntry& entry = blocks_[static_cast<std::size_t>(b)];
+    if (entry.anchor == kNoSlot) return dxf::makeError(name() + ": cannot add an entity: the drawing has no ENTITIES section");
+    if (entity.empty() || entity[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
+    for (std::size_t i = 1; i < entity.size(); ++i)
+        if (entity[i].code == gc::kStructure || entity[i].code == gc::kHandle || entity[i].code == gc::kControlString)
+            return dxf::makeError("the bulk path takes a plain entity without handle, groups or sub-entities");
+    if (entry.paper && entry.inEntitiesSection) return dxf::makeError("the bulk path does not add to paper space");
+    Handle handle = allocateHandle(), dictionary = allocateHandle(), record = allocateHandle();
+    char ids[3][20], owner[20];
+    auto hex = [](char* out, Handle h) {
+        std::size_t n = formatHandle(h).copy(out, 19);
+        return std::string_view(out, n);
+    };
+    std::string_view entityId = hex(ids[0], handle), dictionaryId = hex(ids[1], dictionary), recordId = hex(ids[2], record);
+    std::string_view ownerId = hex(owner, block);
+
+    thread_local std::string blob;
+    blob.clear();
+    TagList::encodeTag(blob, gc::kStructure, entity[0].value);
+    TagList::encodeTag(blob, gc::kHandle, entityId);
+    TagList::encodeTag(blob, gc::kControlString, kXdictionaryGroup);
+    TagList::encodeTag(blob, gc::kHardOwner, dictionaryId);
+    TagList::encodeTag(blob, gc::kControlString, kGroupEnd);
+    TagList::encodeTag(blob, gc::kSoftPointer, ownerId);
+    std::size_t from = entity.size() > 1 && entity[1].code == gc::kSoftPointer ? 2 : 1;
+    for (std::size_t i = from; i < entity.size(); ++i) TagList::encodeTag(blob, entity[i].code, entity[i].value);
+    Slot slot;
+    slot.handle = handle;
+    slot.section = entry.inEntitiesSection ? Section::Entities : Section::Blocks;
+    slot.container = static_cast<std::uint32_t>(b);
+    entry.members.push_back(createEncoded(slot, entry.anchor, entity.type(), blob));
+
+    blob.clear();
+    TagList::encodeTag(blob, gc::kStructure, "DICTIONARY");
+    TagList::encodeTag(blob, gc::kHandle, dictionaryId);
+    TagList::encodeTag(blob, gc::kSoftPointer, entityId);
+    TagList::encodeTag(blob, gc::kSubclass, "AcDbDictionary");
+    TagList::encodeTag(blob, gc::kHardOwnerFlag, "1");
+    TagList::encodeTag(blob, gc::kCloningFlag, "1");
+    TagList::encodeTag(blob, gc::kOtherName, key);
+    TagList::encodeTag(blob, gc::kSoftOwner, recordId);
+    Slot object;
+    object.handle = dictionary;
+    object.section = Section::Objects;
+    createEncoded(object, objects, "DICTIONARY", blob);
+
+    blob.clear();
+    TagList::encodeTag(blob, gc::kStructure, "XRECORD");
+    TagList::encodeTag(blob, gc::kHandle, recordId);
+    TagList::encodeTag(blob, gc::kSoftPointer, dictionaryId);
+    TagList::encodeTag(blob, gc::kSubclass, "AcDbXrecord");
+    TagList::encodeTag(blob, gc::kHardOwnerFlag, "1");
+    values.encode(blob);
+    object.handle = record;
+    createEncoded(object, objects, "XRECORD", blob);
+
+    notifyAppended(handle);
+    notifyAppended(dictionary);
+    notifyAppended(record);
     return handle;
 }
 

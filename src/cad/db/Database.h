@@ -128,6 +128,11 @@ public:
     // `handle` may be one taken with allocateHandle() beforehand (to point at the entity from
     // objects made with it); by default a new one is taken.
     Result<Handle> appendEntity(Handle block, TagList tags, Handle handle = kNoHandle);
+    // The bulk path for many new entities with object data: the entity (as appendEntity takes it,
+    // without handle or owner), an extension dictionary and one XRECORD under `key` holding
+    // `values` (tags as they follow the xrecord's cloning flag), encoded straight into owned blobs.
+    // Fails in R12 drawings and on an unknown block.
+    Result<Handle> appendEntityWithData(Handle block, const TagList& entity, std::string_view key, const TagList& values);
     // Creates a block (record, BLOCK and ENDBLK). Fails when the name is taken.
     Result<Handle> addBlock(std::string_view name, const Point3& base = {});
 
@@ -214,6 +219,7 @@ private:
     int blockIndexOf(Handle block) const;
     Handle blockId(int index) const;
     std::uint32_t create(Slot slot, std::uint32_t anchor, TagList& tags);
+    std::uint32_t createEncoded(Slot slot, std::uint32_t anchor, std::string_view type, std::string_view blob);
     std::string nameOf(std::uint32_t slot) const;
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;

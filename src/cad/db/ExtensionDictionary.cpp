@@ -72,6 +72,14 @@ bool releaseExtensionDictionary(Database& db, Handle object) {
 Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entity, std::string_view key, const ResultBuffer& values) {
     if (db.isR12()) return dxf::makeError(db.name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
     if (entity.empty() || entity[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
+    // A plain new entity takes the bulk path; one with sub-entities, groups or in paper space the general one.
+    bool plain = entity.find(gc::kStructure, 1) == TagList::npos && entity.find(gc::kHandle) == TagList::npos &&
+                 entity.find(gc::kControlString) == TagList::npos && block != db.paperSpace();
+    if (plain) {
+        TagList chain;
+        if (auto made = appendValues(chain, values); !made) return made.error();
+        return db.appendEntityWithData(block, entity, key, chain);
+    }
     TagList xrecord{{0, "XRECORD"}, {gc::kHandle, ""}, {gc::kSoftPointer, ""}, {gc::kSubclass, "AcDbXrecord"}, {gc::kHardOwnerFlag, "1"}};
     if (auto made = appendValues(xrecord, values); !made) return made.error();
     Handle handle = db.allocateHandle(), dictionary = db.allocateHandle(), record = db.allocateHandle();

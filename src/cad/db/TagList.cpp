@@ -162,24 +162,27 @@ void TagList::removeAll(int code, std::size_t from, std::size_t to) {
 }
 
 // Blob layout per tag: int16 code, uint16 length (0xFFFF: a uint32 length follows), the bytes.
-void TagList::encode(std::string& out) const {
-    for (const TagValue& tag : tags_) {
-        char head[8];
-        std::memcpy(head, &tag.code, 2);
-        std::size_t headLength = 4;
-        if (tag.value.size() < 0xFFFF) {
-            auto length = static_cast<std::uint16_t>(tag.value.size());
-            std::memcpy(head + 2, &length, 2);
-        } else {
-            std::uint16_t mark = 0xFFFF;
-            auto length = static_cast<std::uint32_t>(tag.value.size());
-            std::memcpy(head + 2, &mark, 2);
-            std::memcpy(head + 4, &length, 4);
-            headLength = 8;
-        }
-        out.append(head, headLength);
-        out += tag.value;
+void TagList::encodeTag(std::string& out, int code, std::string_view value) {
+    char head[8];
+    auto shortCode = static_cast<std::int16_t>(code);
+    std::memcpy(head, &shortCode, 2);
+    std::size_t headLength = 4;
+    if (value.size() < 0xFFFF) {
+        auto length = static_cast<std::uint16_t>(value.size());
+        std::memcpy(head + 2, &length, 2);
+    } else {
+        std::uint16_t mark = 0xFFFF;
+        auto length = static_cast<std::uint32_t>(value.size());
+        std::memcpy(head + 2, &mark, 2);
+        std::memcpy(head + 4, &length, 4);
+        headLength = 8;
     }
+    out.append(head, headLength);
+    out.append(value);
+}
+
+void TagList::encode(std::string& out) const {
+    for (const TagValue& tag : tags_) encodeTag(out, tag.code, tag.value);
 }
 
 TagList TagList::decode(std::string_view blob) {

@@ -81,6 +81,8 @@ public:
 
     // The compact form an owned object is stored in: per tag a 16-bit code, a length and the bytes.
     void encode(std::string& out) const;
+    // One tag in that form, for building blobs without a TagList.
+    static void encodeTag(std::string& out, int code, std::string_view value);
     static TagList decode(std::string_view blob);
 
 private:
