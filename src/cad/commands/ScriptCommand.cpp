@@ -1,4 +1,4 @@
-// SCRIPT: runs the command lines of a script file after this command, before further input.
+// SCRIPT: runs the command lines of a script file right after this command, before any other input.
 #include "cad/commands/HostSession.h"
 
 #include <fstream>
@@ -25,7 +25,9 @@ void registerScriptCommand(HostSession& session) {
         if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
         // The last line of a script ends like the others, so its last command is not left waiting.
         if (!text.empty() && text.back() != '\n') text += '\n';
-        session.host.commandLine().sendString(seam::wide(text));
+        // Next in line: before what was queued already, so that a script started from a script runs
+        // before the rest of the one that started it.
+        session.host.commandLine().input().queueFirst(seam::wide(text));
     });
 }
 

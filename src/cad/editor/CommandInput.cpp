@@ -21,6 +21,8 @@ void CommandInput::append(const std::wstring& text) { primary_.insert(primary_.e
 
 void CommandInput::queue(const std::wstring& text) { queued_.insert(queued_.end(), text.begin(), text.end()); }
 
+void CommandInput::queueFirst(const std::wstring& text) { queued_.insert(queued_.begin(), text.begin(), text.end()); }
+
 std::optional<wchar_t> CommandInput::peek() {
     if (!queued_.empty()) return queued_.front();
     while (primary_.empty()) {

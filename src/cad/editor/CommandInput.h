@@ -35,6 +35,9 @@ public:
     void append(const std::wstring& text);
     // Adds text to the queue, after earlier queued text and before all primary input.
     void queue(const std::wstring& text);
+    // Adds text to the front of the queue, before all other input: a script started from a script
+    // runs at once, and the rest of the outer one after it.
+    void queueFirst(const std::wstring& text);
     // True when queued text is waiting.
     bool hasQueued() const { return !queued_.empty(); }
     // The next character after spaces and tabs, which are consumed; nullopt at the end. Pulls a
