@@ -1,0 +1,102 @@
+// The veltarn program's own command line: the order of scripts and command texts, standard input,
+// saving at the end, and the exit status with its message on standard error.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int exitCode = -1;
+    std::string out, err;
+};
+
+std::string quote(const std::string& text) {
+    std::string quoted = "'";
+    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+class Program : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() / ("veltarn_program_" + std::to_string(::getpid()));
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    // Runs the program in the test's folder with `arguments`, standard input from `input`.
+    Outcome veltarn(const std::string& arguments, const std::string& input = "") {
+        std::ofstream(dir_ / "stdin") << input;
+        const std::string command = "cd " + quote(dir_.string()) + " && XDG_CONFIG_HOME=config " +
+                                    quote(VELTARN_BINARY_DIR "/bin/veltarn") + " " + arguments + " <stdin 2>stderr";
+        Outcome outcome;
+        FILE* pipe = ::popen(command.c_str(), "r");
+        char buffer[4096];
+        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) outcome.out.append(buffer, n);
+        const int status = ::pclose(pipe);
+        outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        std::ifstream err(dir_ / "stderr");
+        std::ostringstream text;
+        text << err.rdbuf();
+        outcome.err = text.str();
+        return outcome;
+    }
+
+    fs::path dir_;
+};
+
+TEST_F(Program, ScriptsAndCommandTextsRunInTheOrderGiven) {
+    std::ofstream(dir_ / "first.scr") << "GETVAR LUPREC";  // its last line has no line end
+    const Outcome run = veltarn("--command 'LUPREC\\n2\\n' --script first.scr --command '(MyLispFunction)\\n'");
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "Command: LUPREC\nEnter new value for LUPREC <4>: 2\n"
+              "Command: GETVAR\nEnter variable name: LUPREC\n2\n"
+              "Command: (MyLispFunction)\nnil\n");
+    EXPECT_EQ(run.err, "");
+}
+
+TEST_F(Program, ReadsStandardInputToItsEndAndSavesWhenAsked) {
+    const Outcome made = veltarn("--save-as made.dxf", "-LAYER N Roads\n\nGETVAR DWGNAME");
+    EXPECT_EQ(made.exitCode, 0) << made.err;
+    EXPECT_NE(made.out.find("\"Drawing1.dxf\""), std::string::npos) << "the last line, without its line end, ran";
+    const Outcome reopened = veltarn("made.dxf --command '-LAYER ?\\n\\n'");
+    EXPECT_EQ(reopened.exitCode, 0) << reopened.err;
+    EXPECT_NE(reopened.out.find("Roads"), std::string::npos) << reopened.out;
+}
+
+TEST_F(Program, FileAndUsageErrorsGoToStandardErrorWithTheirStatus) {
+    const Outcome noScript = veltarn("--script missing.scr");
+    EXPECT_EQ(noScript.exitCode, 1);
+    EXPECT_EQ(noScript.out, "");
+    EXPECT_EQ(noScript.err, "veltarn: missing.scr: cannot read the script\n");
+
+    std::ofstream(dir_ / "real.dwg", std::ios::binary) << std::string("AC1032\0\0\0\0\0\x03\x01", 13) << std::string(64, '\x7f');
+    const Outcome dwg = veltarn("real.dwg --command 'HELP\\n'");
+    EXPECT_EQ(dwg.exitCode, 1);
+    EXPECT_EQ(dwg.out, "") << "nothing runs when the drawing cannot be read";
+    EXPECT_EQ(dwg.err.rfind("veltarn: real.dwg", 0), 0u) << dwg.err;
+
+    const Outcome unsaved = veltarn("--command 'HELP\\n' --save-as no/such/folder/x.dxf");
+    EXPECT_EQ(unsaved.exitCode, 1);
+    EXPECT_EQ(unsaved.err.rfind("veltarn: cannot save '", 0), 0u) << unsaved.err;
+
+    for (const char* wrong : {"--script", "--command", "--frobnicate", "a.dxf b.dxf"}) {
+        const Outcome usage = veltarn(wrong);
+        EXPECT_EQ(usage.exitCode, 2) << wrong;
+        EXPECT_EQ(usage.out, "") << wrong;
+        EXPECT_NE(usage.err.find("usage: veltarn [DRAWING] [--script FILE]... [--command TEXT]... [--save-as OUT]"),
+                  std::string::npos) << wrong;
+    }
+}
+
+}  // namespace
