@@ -1,7 +1,6 @@
 #include "cad/seam/WorkbenchDatabase.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/EntityFactory.h"
@@ -51,7 +50,7 @@ constexpr int kBlockScaling = 281;
 WorkbenchDatabase::WorkbenchDatabase(db::Database database, std::filesystem::path path)
     : db_(std::move(database)), path_(std::move(path)) {}
 
-WorkbenchDatabase::~WorkbenchDatabase() = default;
+WorkbenchDatabase::~WorkbenchDatabase() { db_.removeObserver(&relay_); }
 
 dxf::Result<std::unique_ptr<WorkbenchDatabase>> WorkbenchDatabase::read(const std::filesystem::path& path) {
     auto loaded = db::Database::load(path);
@@ -115,12 +114,16 @@ std::size_t WorkbenchDatabase::openCount() const {
 // --- changes and reactors -------------------------------------------------------------------------
 
 void WorkbenchDatabase::addReactor(host::DatabaseReactor* reactor) {
-    if (reactor) reactors_.push_back(reactor);
+    if (!reactor) return;
+    reactors_.push_back(reactor);
+    db_.addObserver(&relay_);
 }
 
 void WorkbenchDatabase::removeReactor(host::DatabaseReactor* reactor) {
     auto it = std::find(reactors_.begin(), reactors_.end(), reactor);
     if (it != reactors_.end()) reactors_.erase(it);
+    // Unwatched, the database does nothing per change.
+    if (reactors_.empty()) db_.removeObserver(&relay_);
 }
 
 void WorkbenchDatabase::notifyAppended(db::Handle handle) {
@@ -138,44 +141,17 @@ void WorkbenchDatabase::notifyErased(db::Handle handle, bool erased) {
             reactor->objectErased(*this, {handle}, erased);
 }
 
-bool WorkbenchDatabase::eraseObject(db::Handle handle) {
-    if (db::eraseObject(db_, handle) != db::OpenStatus::Ok) return false;
-    notifyErased(handle, true);
-    return true;
-}
-
-std::vector<db::Handle> WorkbenchDatabase::allEntities() const {
-    std::vector<db::Handle> all;
-    for (db::Handle block : db_.blocks()) {
-        std::vector<db::Handle> entities = db_.entitiesOf(block);
-        all.insert(all.end(), entities.begin(), entities.end());
-    }
-    return all;
-}
-
-void WorkbenchDatabase::reportDifference(const std::vector<db::Handle>& before) {
-    const std::vector<db::Handle> after = allEntities();
-    const std::unordered_set<db::Handle> was(before.begin(), before.end()), is(after.begin(), after.end());
-    for (db::Handle h : before)
-        if (!is.count(h)) notifyErased(h, true);
-    for (db::Handle h : after)
-        if (!was.count(h)) notifyErased(h, false);
-}
+bool WorkbenchDatabase::eraseObject(db::Handle handle) { return db::eraseObject(db_, handle) == db::OpenStatus::Ok; }
 
 bool WorkbenchDatabase::undo() {
-    // Comparing every entity costs a pass over the drawing: only when someone listens.
-    const std::vector<db::Handle> before = reactors_.empty() ? std::vector<db::Handle>{} : allEntities();
     if (!db_.undo()) return false;
     modified_ = true;
-    if (!reactors_.empty()) reportDifference(before);
     return true;
 }
 
 bool WorkbenchDatabase::redo() {
-    const std::vector<db::Handle> before = reactors_.empty() ? std::vector<db::Handle>{} : allEntities();
     if (!db_.redo()) return false;
     modified_ = true;
-    if (!reactors_.empty()) reportDifference(before);
     return true;
 }
 
@@ -211,7 +187,6 @@ std::unique_ptr<host::DbEntity> WorkbenchDatabase::appendEntity(host::ObjectId b
     }
     auto handle = db_.appendEntity(block.handle, std::move(tags));
     if (!handle) return nullptr;
-    notifyAppended(*handle);
     return openEntity({*handle}, host::OpenMode::kWrite);
 }
 
@@ -294,10 +269,7 @@ bool WorkbenchDatabase::copyRecordsFrom(host::Database& source, const std::vecto
     if (!other || name.empty() || name == "BLOCK_RECORD") return false;
     std::vector<db::Handle> handles;
     for (host::ObjectId id : ids) handles.push_back(id.handle);
-    auto copied = copyTableRecords(other->raw(), db_, name, handles);
-    if (!copied) return false;
-    for (db::Handle h : *copied) notifyAppended(h);
-    return true;
+    return copyTableRecords(other->raw(), db_, name, handles).ok();
 }
 
 bool WorkbenchDatabase::loadLinetypes(const std::wstring&, const std::wstring&) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cad/db/Database.h"
+#include "cad/db/DatabaseObserver.h"
 #include "host/Database.h"
 #include "host/SystemVariables.h"
 
@@ -43,15 +44,13 @@ public:
     // Opens currently held; for tests and for commands that check nothing is left open.
     std::size_t openCount() const;
 
-    // --- changes the reactors hear ---------------------------------------------------------
-    // Every append and erase of this drawing goes through these two, whoever made the change, so a
-    // change hook of the database would call them too.
-    void notifyAppended(db::Handle handle);
-    void notifyErased(db::Handle handle, bool erased);
-    // Erases with reference cleaning and tells the reactors; false when it could not be erased.
+    // --- changes ----------------------------------------------------------------------------
+    // The reactors hear what the database reports, whoever made the change (the seam, a host
+    // command, undo and redo); the database is watched only while a reactor is added.
+    // Erases with reference cleaning; false when it could not be erased.
     bool eraseObject(db::Handle handle);
-    // Undo and redo of one whole command of the database's journal; the entities that disappear or
-    // come back are reported as erased or unerased. False when there is nothing to undo / redo.
+    // Undo and redo of one whole command of the database's journal. False when there is nothing
+    // to undo / redo.
     bool undo();
     bool redo();
     // True when a command changed the drawing since it was read or last saved.
@@ -84,9 +83,18 @@ private:
         int readers = 0;
         bool writer = false;
     };
-    // Every entity of every block, to tell what an undo or redo took away or brought back.
-    std::vector<db::Handle> allEntities() const;
-    void reportDifference(const std::vector<db::Handle>& before);
+    // Relays the database's notifications to the reactors.
+    class Relay : public db::DatabaseObserver {
+    public:
+        explicit Relay(WorkbenchDatabase& owner) : owner_(owner) {}
+        void objectAppended(const db::Database&, db::Handle object) override { owner_.notifyAppended(object); }
+        void objectErased(const db::Database&, db::Handle object, bool erased) override { owner_.notifyErased(object, erased); }
+
+    private:
+        WorkbenchDatabase& owner_;
+    };
+    void notifyAppended(db::Handle handle);
+    void notifyErased(db::Handle handle, bool erased);
 
     db::Database db_;
     std::filesystem::path path_;
@@ -94,6 +102,7 @@ private:
     std::function<std::wstring()> supportPath_;
     std::unordered_map<db::Handle, OpenCounts> opens_;
     std::vector<host::DatabaseReactor*> reactors_;
+    Relay relay_{*this};
     bool modified_ = false;
 };
 

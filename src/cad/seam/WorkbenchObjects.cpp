@@ -46,18 +46,12 @@ public:
     ObjectId extensionDictionary() const override { return {db::extensionDictionary(db(), handle_)}; }
     bool createExtensionDictionary() override {
         if (!writable()) return false;
-        const bool had = db::extensionDictionary(db(), handle_) != db::kNoHandle;
-        auto made = db::createExtensionDictionary(drawing_.raw(), handle_);
-        if (made && !had) drawing_.notifyAppended(*made);
-        return made.ok();
+        return db::createExtensionDictionary(drawing_.raw(), handle_).ok();
     }
     bool releaseExtensionDictionary() override {
         if (!writable()) return false;
-        const db::Handle dictionary = db::extensionDictionary(db(), handle_);
-        if (dictionary == db::kNoHandle) return true;
-        if (!db::releaseExtensionDictionary(drawing_.raw(), handle_)) return false;
-        drawing_.notifyErased(dictionary, true);
-        return true;
+        if (db::extensionDictionary(db(), handle_) == db::kNoHandle) return true;
+        return db::releaseExtensionDictionary(drawing_.raw(), handle_);
     }
 
 protected:
@@ -83,14 +77,12 @@ public:
         if (!writable() || key.empty() || has(key)) return {};
         auto made = db::createDictionary(db(), handle_);
         if (!made || !db::setEntry(db(), handle_, narrow(key), *made).ok()) return {};
-        drawing_.notifyAppended(*made);
         return {*made};
     }
     ObjectId addXrecord(const std::wstring& key) override {
         if (!writable() || key.empty() || has(key)) return {};
         auto made = db::addXrecord(db(), handle_, narrow(key), {});
         if (!made) return {};
-        drawing_.notifyAppended(*made);
         return {*made};
     }
     ObjectId remove(const std::wstring& key) override {
