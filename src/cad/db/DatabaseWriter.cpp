@@ -5,6 +5,7 @@
 #include "cad/db/GroupCodes.h"
 #include "cad/dxf/TagWriter.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
@@ -82,9 +83,9 @@ private:
             at += length;
             if (ascii && plain(value, utf8)) {
                 appendCode(buffer_, code);
-                buffer_ += format.lineEnd;
-                buffer_ += value;
-                buffer_ += format.lineEnd;
+                buffer_.append(format.lineEnd);
+                buffer_.append(value);
+                buffer_.append(format.lineEnd);
             } else {
                 writer_.writeBytes(buffer_);
                 buffer_.clear();
@@ -94,8 +95,27 @@ private:
         writer_.writeBytes(buffer_);
     }
 
-    // "%3d", without printf's cost on millions of tags.
+    // "%3d", without printf's cost on millions of tags: the codes DXF uses come from a table.
     static void appendCode(std::string& out, int code) {
+        struct Table {
+            char text[1072][5];  // the digits, right-aligned in three, then their count
+            Table() {
+                for (int c = 0; c < 1072; ++c) {
+                    char digits[8];
+                    auto [end, ec] = std::to_chars(digits, digits + sizeof digits, c);
+                    (void)ec;
+                    auto length = static_cast<int>(end - digits);
+                    std::memset(text[c], ' ', 5);
+                    std::memcpy(text[c] + std::max(0, 3 - length), digits, static_cast<std::size_t>(length));
+                    text[c][4] = static_cast<char>(std::max(3, length));
+                }
+            }
+        };
+        static const Table table;
+        if (code >= 0 && code < 1072) {
+            out.append(table.text[code], static_cast<std::size_t>(table.text[code][4]));
+            return;
+        }
         char digits[8];
         auto [end, ec] = std::to_chars(digits, digits + sizeof digits, code);
         (void)ec;  // a 16-bit code always fits
@@ -104,9 +124,10 @@ private:
     }
 
     static bool plain(std::string_view value, bool utf8) {
+        if (utf8) return std::memchr(value.data(), '\n', value.size()) == nullptr && std::memchr(value.data(), '\r', value.size()) == nullptr;
         for (char c : value) {
             if (c == '\r' || c == '\n') return false;
-            if (!utf8 && static_cast<unsigned char>(c) >= 0x80) return false;
+            if (static_cast<unsigned char>(c) >= 0x80) return false;
         }
         return true;
     }
