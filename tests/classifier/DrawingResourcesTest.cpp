@@ -71,9 +71,9 @@ protected:
     }
 
     // The user's support folder holding both standard pattern files, on the support path.
-    fs::path prepareUserSupport(const std::string& acadPat = "*SOLID,Solid fill\n45,0,0,0,.125\n") {
+    fs::path prepareUserSupport() {
         fs::path folder = dir_ / "home" / "support";
-        writeFile(folder / "acad.pat", acadPat);
+        writeFile(folder / "acad.pat", "*SOLID,Solid fill\n45,0,0,0,.125\n");
         writeFile(folder / "acadiso.pat", "*SOLID,Solid fill\n45,0,0,0,3.175\n");
         EXPECT_TRUE(host_->environment().setSupportPath(wide(dir_ / "nothing") + L";" + wide(folder)));
         return folder;
@@ -123,16 +123,17 @@ TEST_F(DrawingResourcesTest, FilesThatCannotServeFailTheImport) {
     EXPECT_FALSE(resources_->importResources(wide(dir_ / "SIDE.DXF"), bit(ResourceKind::Layer), {}, loaded));
 }
 
-TEST_F(DrawingResourcesTest, PatternsAreAppendedToBothUserPatternFilesOnce) {
+TEST_F(DrawingResourcesTest, PatternsAreAppendedToBothUserPatternFilesOnceAndNeverTwice) {
     fs::path folder = prepareUserSupport();
-    writeFile(dir_ / "survey.pat",
-              ";; survey patterns\n*MARSH, Marsh\n0, 0,0, .5,.5, .25,-.25\n\n90, 0,0, .5,.5, .1,-.4\n*PAVING\n45,0,0,0,.2\n");
+    writeFile(dir_ / "survey.pat", ";; survey patterns\n*MARSH, Marsh\n0, 0,0, .5,.5, .25,-.25\n\n90, 0,0, .5,.5, .1,-.4\n"
+                                   "*Solid\n45,0,0,0,.2\n");
     std::string acadBefore = readFile(folder / "acad.pat");
     std::string isoBefore = readFile(folder / "acadiso.pat");
-    ResourceNames missing{{ResourceKind::Pattern, {L"marsh", L"absent"}}};
+    // "solid": the user's files define it already (as "SOLID"), so it is taken but not appended.
+    ResourceNames missing{{ResourceKind::Pattern, {L"marsh", L"absent", L"solid"}}};
     ResourceNames loaded;
     ASSERT_TRUE(resources_->importResources(wide(dir_ / "survey.pat"), bit(ResourceKind::Pattern), missing, loaded));
-    EXPECT_EQ(loaded[ResourceKind::Pattern], Names{L"marsh"});
+    EXPECT_EQ(loaded[ResourceKind::Pattern], (Names{L"marsh", L"solid"}));
     const std::string added = "\n*MARSH, Marsh\n0, 0,0, .5,.5, .25,-.25\n90, 0,0, .5,.5, .1,-.4\n";
     EXPECT_EQ(readFile(folder / "acad.pat"), acadBefore + added);
     EXPECT_EQ(readFile(folder / "acadiso.pat"), isoBefore + added);
@@ -142,16 +143,6 @@ TEST_F(DrawingResourcesTest, PatternsAreAppendedToBothUserPatternFilesOnce) {
     ASSERT_TRUE(resources_->importResources(wide(dir_ / "survey.pat"), bit(ResourceKind::Pattern), missing, again));
     EXPECT_EQ(readFile(folder / "acad.pat"), acadBefore + added);  // never twice
     EXPECT_EQ(readFile(folder / "acadiso.pat"), isoBefore + added);
-}
-
-TEST_F(DrawingResourcesTest, APatternTheUserFileDefinesInAnyCaseIsNotAppended) {
-    fs::path folder = prepareUserSupport("*marsh\n0,0,0,0,1\n");
-    writeFile(dir_ / "survey.pat", "*MARSH\n0,0,0,0,.5\n");
-    ResourceNames loaded;
-    ASSERT_TRUE(resources_->importResources(wide(dir_ / "survey.pat"), bit(ResourceKind::Pattern),
-                                            {{ResourceKind::Pattern, {L"marsh"}}}, loaded));
-    EXPECT_EQ(readFile(folder / "acad.pat"), "*marsh\n0,0,0,0,1\n");
-    EXPECT_EQ(readFile(folder / "acadiso.pat"), "*SOLID,Solid fill\n45,0,0,0,3.175\n\n*MARSH\n0,0,0,0,.5\n");
 }
 
 TEST_F(DrawingResourcesTest, WithoutAUserPatternFolderNoPatternFileIsTouched) {
@@ -200,18 +191,6 @@ TEST_F(DrawingResourcesTest, LinetypeFileLoadsTheMissingNamesOrEverything) {
     ASSERT_TRUE(resources_->importResources(wide(dir_ / "survey.lin"), bit(ResourceKind::Linetype), {}, all));
     EXPECT_EQ(all[ResourceKind::Linetype].front(), L"dashed");  // every name of the file, lower case
     EXPECT_NE(drawing().findRecord("LTYPE", "GAS_MAIN"), db::kNoHandle);
-}
-
-TEST_F(DrawingResourcesTest, MlineFileLoadsEachMissingStyle) {
-    writeFile(dir_ / "roads.mln", "MLSTYLE\n2\nROAD\n70\n0\n3\nRoad\n62\n256\n51\n90\n52\n90\n71\n1\n49\n0\n62\n1\n6\nBYLAYER\n0\n");
-    if (!host_->currentDrawing()->loadMlineStyle(L"ROAD", wide(dir_ / "roads.mln")))
-        GTEST_SKIP() << "the workbench does not load multiline style files through the seam yet";
-    ResourceNames loaded;
-    writeFile(dir_ / "more.mln", "MLSTYLE\n2\nCANAL\n71\n1\n49\n0\n0\n");
-    ASSERT_TRUE(resources_->importResources(wide(dir_ / "more.mln"), bit(ResourceKind::MlineStyle),
-                                            {{ResourceKind::MlineStyle, {L"canal", L"nosuch"}}}, loaded));
-    EXPECT_EQ(loaded[ResourceKind::MlineStyle], Names{L"canal"});
-    EXPECT_TRUE(resources_->hasResource(ResourceKind::MlineStyle, L"Canal"));
 }
 
 // The whole road: the reader gathers what the definitions lack, imports it and warns for the rest.
