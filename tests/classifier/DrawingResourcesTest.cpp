@@ -166,7 +166,7 @@ TEST_F(DrawingResourcesTest, WithoutAUserPatternFolderNoPatternFileIsTouched) {
 
 TEST_F(DrawingResourcesTest, AShapeFolderJoinsTheSupportPathOnce) {
     fs::create_directories(dir_ / "fonts");
-    writeFile(dir_ / "fonts" / "symbols.shx", "AutoCAD-86 shapes 1.0\r\n\x1a");
+    writeFile(dir_ / "fonts" / "symbols.shx", "compiled shapes\r\n");
     ASSERT_TRUE(host_->environment().setSupportPath(L"/opt/a"));
     EXPECT_TRUE(resources_->registerShapeFile(wide(dir_ / "fonts" / "symbols.shx")));
     const std::wstring expected = L"/opt/a;" + wide(dir_ / "fonts") + L";";
