@@ -1,6 +1,7 @@
 // Undo and redo of whole commands: the drawing returns exactly to what it was.
 #include "TestSupport.h"
 
+#include "cad/db/Dictionary.h"
 #include "cad/db/EntityFactory.h"
 #include "cad/db/EntityProperties.h"
 #include "cad/db/ExtensionDictionary.h"
@@ -58,6 +59,24 @@ TEST(Undo, CommandsAreUndoneAndRedoneWholeWithTheirObjectData) {
     EXPECT_FALSE(db.redo());
     ASSERT_TRUE(db.undo());
     EXPECT_TRUE(withoutSeed(db) == before);
+}
+
+// The bulk path for entities with object data records its three objects like any other change.
+TEST(Undo, BulkCreatedEntitiesWithTheirDataAreUndoneWhole) {
+    Database db = Database::createNew();
+    const std::string before = withoutSeed(db);
+    db.beginCommand("VELTARN_DRAW");
+    Handle line = appendEntityWithXrecord(db, db.modelSpace(), newLine(db, {0, 0, 0}, {1, 0, 0}), "ROADS",
+                                          {TypedValue::ofText(1, "road-1"), TypedValue::ofReal(40, 5.5)}).value();
+    db.endCommand();
+    const std::string after = withoutSeed(db);
+    Handle xrecord = findEntry(db, extensionDictionary(db, line), "ROADS");
+    ASSERT_TRUE(db.undo());
+    EXPECT_TRUE(withoutSeed(db) == before);
+    EXPECT_EQ(db.status(xrecord), OpenStatus::Erased);
+    ASSERT_TRUE(db.redo());
+    EXPECT_TRUE(withoutSeed(db) == after);
+    EXPECT_EQ(readXrecord(db, xrecord).value().at(0).text, "road-1");
 }
 
 }  // namespace
