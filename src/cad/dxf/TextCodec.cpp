@@ -83,15 +83,27 @@ public:
             std::size_t rc = iconv(handle_, &src, &srcLeft, &dst, &dstLeft);
             out.append(buffer, static_cast<std::size_t>(dst - buffer));
             if (rc == static_cast<std::size_t>(-1) && errno != E2BIG) {
+                flush(out);
                 std::size_t used = onFailure(out, std::string_view(src, srcLeft));
                 src += used;
                 srcLeft -= used;
-                iconv(handle_, nullptr, nullptr, nullptr, nullptr);
             }
         }
+        flush(out);
     }
 
 private:
+    // Writes out what the converter holds back and returns it to its initial state. Code pages
+    // with combining marks (1255, 1258) hold the last character back to compose it with a mark
+    // that may follow: without this, every text would lose its last character.
+    void flush(std::string& out) {
+        char buffer[64];
+        char* dst = buffer;
+        std::size_t dstLeft = sizeof buffer;
+        iconv(handle_, nullptr, nullptr, &dst, &dstLeft);
+        out.append(buffer, static_cast<std::size_t>(dst - buffer));
+    }
+
     iconv_t handle_;
     std::mutex mutex_;
 };

@@ -22,5 +22,15 @@ TEST(FuzzRegression, GroupCodeMinus32768SurvivesConversionToAscii) {
     EXPECT_EQ(ascii->code(2), -32768);
 }
 
+TEST(FuzzRegression, TextInCodePage1258KeepsItsLastCharacter) {
+    // The converter holds a letter back to compose it with a tone mark that may follow, and gave
+    // it out only when asked to flush.
+    test::BinaryDxf dxf(true);
+    dxf.text(0, "SECTION").text(2, "HEADER").text(9, "$DWGCODEPAGE").text(3, "ANSI_1258").text(0, "ENDSEC");
+    auto file = TagFile::parse(dxf.text(0, "SECTION").text(2, "ENTITIES").text(1, "\xC0 LINE").text(0, "ENDSEC").bytes(), "fuzz.dxf");
+    ASSERT_TRUE(file.ok()) << file.message();
+    EXPECT_EQ(file->text(7), "À LINE");
+}
+
 }  // namespace
 }  // namespace veltarn::dxf

@@ -54,9 +54,11 @@ INSTANTIATE_TEST_SUITE_P(
                     CodePageCase{"ANSI_936", "\xD6\xD0\xCE\xC4\xCE\xC4\xB1\xBE", "中文文本"},
                     CodePageCase{"ANSI_949", "\xC7\xD1\xB1\xB9\xBE\xEE \xC5\xD8\xBD\xBA\xC6\xAE", "한국어 텍스트"},
                     CodePageCase{"ANSI_950", "\xC1" "c\xC5\xE9\xA4\xA4\xA4\xE5", "繁體中文"},
+                    // Tone marks combine with the letter before them.
+                    CodePageCase{"ANSI_1258", "Ti\xEA\xEC" "ng Vi\xEA\xF2t", "Tiếng Việt"},
                     // What DXF readers assume of an unknown or missing code page.
                     CodePageCase{"ANSI_99999", "d\xE9j\xE0", "déjà"}, CodePageCase{"", "d\xE9j\xE0", "déjà"}),
-    [](const auto& info) { return info.index < 7 ? std::string(info.param.codePage) : "fallback" + std::to_string(info.index); });
+    [](const auto& info) { return info.index < 8 ? std::string(info.param.codePage) : "fallback" + std::to_string(info.index); });
 
 TEST(TextCodec, ResolvesEscapesInEveryEncoding) {
     for (const char* version : {"AC1015", "AC1032"}) {
