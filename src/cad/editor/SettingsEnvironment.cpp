@@ -26,9 +26,18 @@ std::vector<std::string> readLines(const std::filesystem::path& file) {
 }  // namespace
 
 SettingsEnvironment::SettingsEnvironment(std::filesystem::path file, std::wstring defaultSupportPath)
-    : file_(std::move(file)), supportPath_(std::move(defaultSupportPath)) {
-    for (const std::string& line : readLines(file_))
-        if (line.rfind(kSupportPathKey, 0) == 0) supportPath_ = host::fromUtf8(line.substr(sizeof kSupportPathKey - 1));
+    : SettingsEnvironment(std::move(file), [&defaultSupportPath] { return defaultSupportPath; }) {}
+
+SettingsEnvironment::SettingsEnvironment(std::filesystem::path file,
+                                         const std::function<std::wstring()>& defaultSupportPath)
+    : file_(std::move(file)) {
+    bool found = false;
+    for (const std::string& line : readLines(file_)) {
+        if (line.rfind(kSupportPathKey, 0) != 0) continue;
+        supportPath_ = host::fromUtf8(line.substr(sizeof kSupportPathKey - 1));
+        found = true;
+    }
+    if (!found && defaultSupportPath) supportPath_ = defaultSupportPath();
 }
 
 std::filesystem::path SettingsEnvironment::defaultFile() {

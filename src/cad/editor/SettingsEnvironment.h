@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "host/Environment.h"
@@ -13,6 +14,9 @@ class SettingsEnvironment : public host::Environment {
 public:
     // Reads `file` when it exists; a missing or unreadable file gives `defaultSupportPath`.
     SettingsEnvironment(std::filesystem::path file, std::wstring defaultSupportPath);
+    // The same, with the default made only when the file holds no support path: making it may
+    // write files (a new user's support folder), which a returning user must not pay for.
+    SettingsEnvironment(std::filesystem::path file, const std::function<std::wstring()>& defaultSupportPath);
 
     // $XDG_CONFIG_HOME/veltarn/settings, else $HOME/.config/veltarn/settings.
     static std::filesystem::path defaultFile();

@@ -3,16 +3,18 @@
 #include <algorithm>
 
 #include "cad/db/Dictionary.h"
+#include "cad/db/RecordCopier.h"
 #include "cad/db/EntityFactory.h"
 #include "cad/db/EntityKind.h"
 #include "cad/db/EntityProperties.h"
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/SymbolTables.h"
-#include "cad/seam/HatchPatterns.h"
-#include "cad/seam/RecordCopy.h"
 #include "cad/seam/SortentsTable.h"
 #include "cad/seam/ValueConversion.h"
+#include "cad/support/LinetypeLoader.h"
+#include "cad/support/MlineStyleLoader.h"
+#include "cad/support/SupportPath.h"
 #include "cad/seam/WorkbenchObjects.h"
 #include "host/DatabaseReactor.h"
 
@@ -38,6 +40,20 @@ std::string_view dictionaryName(host::SymbolTable table) {
         case host::SymbolTable::kMlineStyle: return "ACAD_MLINESTYLE";
         default: return {};
     }
+}
+
+db::RecordKind recordKind(host::SymbolTable table) {
+    switch (table) {
+        case host::SymbolTable::kBlock: return db::RecordKind::Block;
+        case host::SymbolTable::kDimensionStyle: return db::RecordKind::DimensionStyle;
+        case host::SymbolTable::kLayer: return db::RecordKind::Layer;
+        case host::SymbolTable::kLayout: return db::RecordKind::Layout;
+        case host::SymbolTable::kLinetype: return db::RecordKind::Linetype;
+        case host::SymbolTable::kMLeaderStyle: return db::RecordKind::MleaderStyle;
+        case host::SymbolTable::kMlineStyle: return db::RecordKind::MlineStyle;
+        case host::SymbolTable::kTextStyle: return db::RecordKind::TextStyle;
+    }
+    return db::RecordKind::Layer;
 }
 
 // Attribute definition flag (group 70): a constant attribute asks for no value.
@@ -265,23 +281,33 @@ bool WorkbenchDatabase::setRelativeDrawOrder(host::ObjectId block, const std::ve
 bool WorkbenchDatabase::copyRecordsFrom(host::Database& source, const std::vector<host::ObjectId>& ids,
                                         host::SymbolTable table) {
     auto* other = dynamic_cast<WorkbenchDatabase*>(&source);
-    const std::string_view name = tableName(table);
-    if (!other || name.empty() || name == "BLOCK_RECORD") return false;
-    std::vector<db::Handle> handles;
-    for (host::ObjectId id : ids) handles.push_back(id.handle);
-    return copyTableRecords(other->raw(), db_, name, handles).ok();
+    if (!other || other == this) return false;
+    // The database copies by name: each id must be a record of that table in the source.
+    std::vector<std::string> names;
+    const std::vector<host::DbDictionary::Entry> records = other->symbols(table);
+    for (host::ObjectId id : ids) {
+        auto found = std::find_if(records.begin(), records.end(), [&](const auto& entry) { return entry.second == id; });
+        if (found == records.end()) return false;
+        names.push_back(narrow(found->first));
+    }
+    if (names.empty()) return true;
+    return db::copyRecords(db_, other->raw(), recordKind(table), names).ok();
 }
 
-bool WorkbenchDatabase::loadLinetypes(const std::wstring&, const std::wstring&) {
-    return false;  // linetype definition files are not read yet
+bool WorkbenchDatabase::loadLinetypes(const std::wstring& pattern, const std::wstring& path) {
+    return support::loadLinetypes(db_, std::filesystem::path(narrow(path)), narrow(pattern)).ok();
 }
 
-bool WorkbenchDatabase::loadMlineStyle(const std::wstring&, const std::wstring&) {
-    return false;  // multiline style files are not read yet
+bool WorkbenchDatabase::loadMlineStyle(const std::wstring& name, const std::wstring& path) {
+    // A style the drawing has already counts as loaded, as it does for linetypes.
+    return support::loadMlineStyle(db_, std::filesystem::path(narrow(path)), narrow(name)).ok();
 }
 
 bool WorkbenchDatabase::hasHatchPattern(const std::wstring& pattern) const {
-    return isKnownHatchPattern(pattern, supportPath_ ? supportPath_() : std::wstring());
+    if (pattern.empty()) return false;
+    if (db::sameName(narrow(pattern), "SOLID")) return true;  // built in, defined by no file
+    const std::wstring path = supportPath_ ? supportPath_() : std::wstring();
+    return support::SupportPath(narrow(path)).definesPattern(narrow(pattern));
 }
 
 }  // namespace veltarn::seam

@@ -1,13 +1,26 @@
 #include "cad/seam/WorkbenchHost.h"
 
 #include "cad/seam/ValueConversion.h"
+#include "cad/support/UserSupportFolder.h"
 
 namespace veltarn::seam {
+namespace {
+
+// A new user's support path: a folder of their own beside the settings, holding copies of the
+// shipped files (pattern imports append there), then the shipped folder. Without that folder, the
+// shipped one alone.
+std::wstring newUserSupportPath(const std::filesystem::path& settingsFile) {
+    const std::filesystem::path shipped = support::shippedSupportFolder();
+    auto prepared = support::prepareUserSupportFolder(settingsFile.parent_path() / "support", shipped);
+    return wide(prepared ? *prepared : shipped.string());
+}
+
+}  // namespace
 
 WorkbenchHost::WorkbenchHost(editor::CommandLine::Output output, std::filesystem::path settingsFile)
     : commandLine_(registry_, variables_, std::move(output)),
       dialogs_(commandLine_),
-      environment_(std::move(settingsFile), L""),
+      environment_(settingsFile, [&settingsFile] { return newUserSupportPath(settingsFile); }),
       documents_([this](const std::wstring& text) { commandLine_.sendString(text); }),
       selector_(commandLine_, [this] { return currentDrawing(); }),
       journal_([this] { return currentDrawing(); }) {

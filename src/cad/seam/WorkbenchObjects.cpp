@@ -3,6 +3,7 @@
 #include "cad/db/Dictionary.h"
 #include "cad/db/EntityKind.h"
 #include "cad/db/EntityProperties.h"
+#include "cad/db/Explode.h"
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/Xrecord.h"
@@ -140,8 +141,22 @@ public:
         return db().replace(handle_, tags) == db::OpenStatus::Ok;
     }
 
-    // The database cannot explode entities yet: nothing is made.
-    std::vector<ObjectId> explodeInto(ObjectId) override { return {}; }
+    // The pieces go to `ownerBlock`; the entity stays as it is. All pieces or none: a piece that
+    // cannot be appended takes back those appended before it.
+    std::vector<ObjectId> explodeInto(ObjectId ownerBlock) override {
+        auto pieces = db::explode(db(), handle_);
+        if (!pieces) return {};
+        std::vector<ObjectId> made;
+        for (db::TagList& piece : *pieces) {
+            auto appended = db().appendEntity(ownerBlock.handle, std::move(piece));
+            if (!appended) {
+                for (ObjectId id : made) (void)db::eraseObject(db(), id.handle);
+                return {};
+            }
+            made.push_back({*appended});
+        }
+        return made;
+    }
 
 private:
     // A closed polyline becomes the hatch's only, outer loop.

@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "cad/db/EntityFactory.h"
+#include "cad/db/EntityKind.h"
 #include "cad/db/SymbolTables.h"
 #include "cad/seam/SortentsTable.h"
 #include "host/DatabaseReactor.h"
@@ -174,6 +175,78 @@ TEST_F(WorkbenchDatabaseTest, SymbolTablesAndLayerStates) {
     auto model = drawing.blockInfo(L"*MODEL_SPACE");
     ASSERT_TRUE(model);
     EXPECT_TRUE(model->isLayout && model->anonymous);
+}
+
+TEST_F(WorkbenchDatabaseTest, SupportFilesLoadLinetypesMlineStylesAndFindPatterns) {
+    const std::wstring source = L"" VELTARN_SOURCE_DIR;
+    const std::wstring linetypes = source + L"/support/acad.lin";
+    EXPECT_TRUE(drawing.loadLinetypes(L"dashed*", linetypes));
+    EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kLinetype, L"DASHED_SHORT"));
+    EXPECT_TRUE(drawing.loadLinetypes(L"DASHED", linetypes));  // already there: kept, still a success
+    EXPECT_FALSE(drawing.loadLinetypes(L"NO_SUCH_LINETYPE", linetypes));
+    EXPECT_FALSE(drawing.loadLinetypes(L"?*", source + L"/support/missing.lin"));
+
+    const std::wstring styles = source + L"/tests/cad/support/data/good_roads.mln";
+    EXPECT_TRUE(drawing.loadMlineStyle(L"road_2lane", styles));
+    EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kMlineStyle, L"ROAD_2LANE"));
+    EXPECT_TRUE(drawing.loadMlineStyle(L"ROAD_2LANE", styles));
+    EXPECT_FALSE(drawing.loadMlineStyle(L"NO_SUCH_STYLE", styles));
+
+    EXPECT_TRUE(drawing.hasHatchPattern(L"solid"));  // built in: no support path needed
+    EXPECT_FALSE(drawing.hasHatchPattern(L"DIAGONAL"));
+    drawing.setSupportPath([&] { return L"/nonexistent;" + source + L"/support"; });
+    EXPECT_TRUE(drawing.hasHatchPattern(L"diagonal"));
+    EXPECT_FALSE(drawing.hasHatchPattern(L"NO_SUCH_PATTERN"));
+}
+
+TEST_F(WorkbenchDatabaseTest, RecordsCopyFromASideDrawingWithWhatTheyUse) {
+    // The side drawing: a block whose reference to another block sits on a layer of its own.
+    WorkbenchDatabase side{db::Database::createNew()};
+    db::Database& raw = side.raw();
+    auto inner = raw.addBlock("INNER");
+    auto outer = raw.addBlock("OUTER");
+    ASSERT_TRUE(inner && outer);
+    ASSERT_TRUE(raw.appendEntity(*inner, db::newCircle(raw, {0, 0, 0}, 1)).ok());
+    db::Layer layer;
+    layer.name = "Symbols";
+    ASSERT_TRUE(db::writeLayer(raw, layer).ok());
+    db::TagList reference = db::newInsert(raw, "INNER", {5, 0, 0});
+    reference.setIn("AcDbEntity", 8, std::string("Symbols"));
+    ASSERT_TRUE(raw.appendEntity(*outer, reference).ok());
+
+    const ObjectId outerId = side.findSymbol(host::SymbolTable::kBlock, L"OUTER");
+    ASSERT_TRUE(drawing.copyRecordsFrom(side, {outerId}, host::SymbolTable::kBlock));
+    EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kBlock, L"OUTER"));
+    EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kBlock, L"INNER"));
+    EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kLayer, L"Symbols"));
+    EXPECT_EQ(drawing.raw().entitiesOf(drawing.raw().findBlock("INNER")).size(), 1u);
+
+    // A second copy of the same name keeps the drawing's own; ids of another table are refused.
+    EXPECT_TRUE(drawing.copyRecordsFrom(side, {outerId}, host::SymbolTable::kBlock));
+    EXPECT_EQ(drawing.raw().entitiesOf(drawing.raw().findBlock("OUTER")).size(), 1u);
+    EXPECT_FALSE(drawing.copyRecordsFrom(side, {outerId}, host::SymbolTable::kLayer));
+    EXPECT_FALSE(drawing.copyRecordsFrom(drawing, {}, host::SymbolTable::kLayer));
+
+    const ObjectId layout = side.findSymbol(host::SymbolTable::kLayout, L"Layout1");
+    ASSERT_FALSE(layout.isNull());
+    EXPECT_TRUE(drawing.copyRecordsFrom(side, {layout}, host::SymbolTable::kLayout));  // the drawing has one
+}
+
+TEST_F(WorkbenchDatabaseTest, ExplodeAppendsThePiecesAndLeavesTheEntity) {
+    db::TagList polyline = db::newLwpolyline(drawing.raw(), {{{0, 0, 0}, 0}, {{10, 0, 0}, 1}, {{10, 10, 0}, 0}}, false);
+    auto handle = drawing.raw().appendEntity(drawing.raw().modelSpace(), polyline);
+    ASSERT_TRUE(handle);
+    auto entity = drawing.openEntity({*handle}, OpenMode::kWrite);
+    ASSERT_TRUE(entity);
+    const std::vector<ObjectId> pieces = entity->explodeInto(drawing.modelSpace());
+    ASSERT_EQ(pieces.size(), 2u);
+    EXPECT_EQ(drawing.raw().typeName(pieces[0].handle), "LINE");
+    EXPECT_EQ(drawing.raw().typeName(pieces[1].handle), "ARC");  // the bulge
+    EXPECT_EQ(drawing.blockEntities(drawing.modelSpace()).size(), 3u);
+    entity.reset();
+
+    auto line = drawing.openEntity(addLine(), OpenMode::kRead);
+    EXPECT_TRUE(line->explodeInto(drawing.modelSpace()).empty());  // a line does not break up
 }
 
 }  // namespace

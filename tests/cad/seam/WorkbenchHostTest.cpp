@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "cad/db/EntityFactory.h"
+#include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
 
 namespace veltarn::seam {
@@ -21,7 +22,10 @@ protected:
         fs::create_directories(dir_);
         host_.openDocument(std::make_unique<WorkbenchDatabase>(db::Database::createNew()));
     }
-    void TearDown() override { fs::remove_all(dir_); }
+    void TearDown() override {
+        fs::remove_all(dir_);
+        fs::remove_all(fs::temp_directory_path() / ("veltarn_seam_settings_" + std::to_string(::getpid())));
+    }
 
     std::wstring type(const std::wstring& text) {
         output_.clear();
@@ -32,7 +36,7 @@ protected:
 
     fs::path dir_;
     std::wstring output_;
-    WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, fs::temp_directory_path() / "veltarn_seam_settings"};
+    WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, fs::temp_directory_path() / ("veltarn_seam_settings_" + std::to_string(::getpid())) / "settings"};
 };
 
 TEST_F(WorkbenchHostTest, SentStringsRunAfterTheCommandThatSentThem) {
@@ -95,6 +99,23 @@ TEST_F(WorkbenchHostTest, DocumentEventsAndNamesFollowTheOpenDrawing) {
     EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
     { auto nested = host_.documents().lock(*host_.documents().current(), host::LockMode::kShared); }
     EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
+}
+
+TEST_F(WorkbenchHostTest, ANewUserGetsASupportFolderOfTheirOwnFirstOnThePath) {
+    const fs::path settings = dir_ / "config" / "settings";
+    {
+        WorkbenchHost fresh([](const std::wstring&) {}, settings);
+        const std::wstring path = fresh.environment().supportPath();
+        EXPECT_EQ(path.find(wide((dir_ / "config" / "support").string()) + L";"), 0u) << narrow(path);
+        EXPECT_TRUE(fs::exists(dir_ / "config" / "support" / "acad.pat"));
+        // Patterns of the copied files are found through the drawing.
+        fresh.openDocument(std::make_unique<WorkbenchDatabase>(db::Database::createNew()));
+        EXPECT_TRUE(fresh.currentDrawing()->hasHatchPattern(L"CROSSHATCH"));
+        ASSERT_TRUE(fresh.environment().setSupportPath(L"/kept"));
+    }
+    // A path the user has set is theirs from then on.
+    WorkbenchHost returning([](const std::wstring&) {}, settings);
+    EXPECT_EQ(returning.environment().supportPath(), L"/kept");
 }
 
 }  // namespace
