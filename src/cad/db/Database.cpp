@@ -2,6 +2,7 @@
 
 #include "cad/db/GroupCodes.h"
 #include "cad/db/NewDrawing.h"
+#include "cad/db/R12Converter.h"
 #include "cad/dxf/NumberText.h"
 
 #include <algorithm>
@@ -83,6 +84,25 @@ Database Database::createNew() {
     auto db = parse(newDrawingText(), "new drawing");
     assert(db.ok() && "the built-in drawing template must parse");
     return std::move(db).value();
+}
+
+Result<void> Database::convertFromR12() {
+    if (!r12_) return {};
+    auto converted = convertR12(*this);
+    if (!converted) return converted.error();
+    std::vector<DatabaseObserver*> observers = std::move(observers_);
+    UndoJournal journal = std::move(journal_);
+    *this = std::move(converted).value();
+    observers_ = std::move(observers);
+    journal_ = std::move(journal);
+    journal_.forgetHistory();  // its changes name slots of the R12 drawing
+    convertedFromR12_ = true;
+    return {};
+}
+
+std::string Database::saveNotice() const {
+    if (!convertedFromR12_) return {};
+    return name() + ": saved as a 2018 drawing (AC1032): R12 cannot hold dictionaries, xrecords or draw order";
 }
 
 // --- Slots ------------------------------------------------------------------------------------
@@ -424,9 +444,10 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
 
 Result<Handle> Database::appendEntityWithData(Handle block, const TagList& entity, std::string_view key, const TagList& values) {
     int b = blockIndexOf(block);
+    if (auto converted = convertFromR12(); !converted) return converted.error();
     std::uint32_t objects = sectionEnd_[static_cast<int>(Section::Objects)];
-    if (r12_ || objects == kNoSlot)
-        return dxf::makeError(name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (objects == kNoSlot)
+        return dxf::makeError(name() + ": cannot add an object: the drawing has no OBJECTS section");
     if (b < 0) return dxf::makeError(name() + ": cannot add an entity: no block " + formatHandle(block));
     BlockEntry& entry = blocks_[static_cast<std::size_t>(b)];
     if (entry.anchor == kNoSlot) return dxf::makeError(name() + ": cannot add an entity: the drawing has no ENTITIES section");
@@ -591,9 +612,10 @@ Result<Handle> Database::addRecord(std::string_view table, TagList tags, Handle 
 // --- Objects section --------------------------------------------------------------------------
 
 Result<Handle> Database::addObject(TagList tags, Handle preset) {
+    if (auto converted = convertFromR12(); !converted) return converted.error();
     std::uint32_t anchor = sectionEnd_[static_cast<int>(Section::Objects)];
-    if (r12_ || anchor == kNoSlot)
-        return dxf::makeError(name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (anchor == kNoSlot)
+        return dxf::makeError(name() + ": cannot add an object: the drawing has no OBJECTS section");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an object must start with its type (group code 0)");
     if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
     Slot slot;

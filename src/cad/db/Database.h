@@ -82,6 +82,15 @@ public:
     const std::string& name() const { return file_->name(); }
     // True for R12 (AC1009) drawings: no owners, subclass markers, dictionaries or xrecords.
     bool isR12() const { return r12_; }
+    // Converts an R12 drawing in place to 2018 with all its content, for a change R12 cannot hold
+    // (dictionaries, xrecords, extension dictionaries, draw order); the functions that make such
+    // changes call it. Handles stay. Nothing to do for other drawings. The conversion is not undone:
+    // the undo history before it is forgotten, an open command stays open.
+    Result<void> convertFromR12();
+    // True once an R12 drawing was converted: it is saved as 2018 from then on.
+    bool convertedFromR12() const { return convertedFromR12_; }
+    // What to tell the user after a save: empty, or that the R12 drawing was saved as 2018.
+    std::string saveNotice() const;
     // Handles above every handle in the drawing start here ($HANDSEED as it will be saved).
     Handle handleSeed() const { return nextHandle_; }
 
@@ -131,7 +140,7 @@ public:
     // The bulk path for many new entities with object data: the entity (as appendEntity takes it,
     // without handle or owner), an extension dictionary and one XRECORD under `key` holding
     // `values` (tags as they follow the xrecord's cloning flag), encoded straight into owned blobs.
-    // Fails in R12 drawings and on an unknown block.
+    // Converts an R12 drawing first; fails on an unknown block.
     Result<Handle> appendEntityWithData(Handle block, const TagList& entity, std::string_view key, const TagList& values);
     // Creates a block (record, BLOCK and ENDBLK). Fails when the name is taken.
     Result<Handle> addBlock(std::string_view name, const Point3& base = {});
@@ -147,7 +156,7 @@ public:
     Result<Handle> addRecord(std::string_view table, TagList tags, Handle handle = kNoHandle);
 
     // --- Objects section ----------------------------------------------------------------------
-    // Adds an object at the end of the OBJECTS section; fails in R12 drawings, which have none.
+    // Adds an object at the end of the OBJECTS section; converts an R12 drawing first.
     Result<Handle> addObject(TagList tags, Handle handle = kNoHandle);
     // The root (named objects) dictionary; kNoHandle in R12 drawings.
     Handle namedObjectsDictionary() const;
@@ -181,6 +190,7 @@ private:
     friend class ObjectWriter;
     friend class DatabaseLoader;
     friend class DatabaseWriter;
+    friend class R12Converter;
     friend void loadIndex(Database& db);
 
     enum : std::uint8_t { kOwned = 1, kErased = 2, kStructure = 4, kPaperSpace = 8 };
@@ -252,6 +262,7 @@ private:
     Handle minSeed_ = 1;     // one above the highest handle the file holds
     std::unordered_map<Handle, int> blockIds_;
     bool r12_ = false;
+    bool convertedFromR12_ = false;
     UndoJournal journal_;
     std::vector<DatabaseObserver*> observers_;
 };

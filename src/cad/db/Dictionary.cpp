@@ -155,10 +155,12 @@ Result<Handle> childDictionary(Database& db, Handle parent, std::string_view key
 }
 
 Result<Handle> namedDictionary(Database& db, std::string_view key, bool create) {
+    if (db.isR12() && create)
+        if (auto converted = db.convertFromR12(); !converted) return converted.error();
     Handle root = db.namedObjectsDictionary();
     if (root == kNoHandle) {
         if (!create) return kNoHandle;
-        return dxf::makeError(db.name() + ": the drawing has no named objects dictionary (an R12 drawing); save it as a 2018 drawing first");
+        return dxf::makeError(db.name() + ": the drawing has no named objects dictionary");
     }
     return childDictionary(db, root, key, create);
 }

@@ -52,7 +52,8 @@ Handle findSortentsTable(const Database& db, Handle block) {
 }
 
 Result<Handle> sortentsTable(Database& db, Handle block, bool create) {
-    if (db.isR12()) return dxf::makeError(db.name() + ": an R12 drawing cannot hold a draw order; save it as a 2018 drawing first");
+    if (db.isR12() && !create) return kNoHandle;
+    if (auto converted = db.convertFromR12(); !converted) return converted.error();
     if (db.typeName(block) != "BLOCK_RECORD" || !db.exists(block)) return dxf::makeError("no block " + formatHandle(block));
     if (Handle found = findSortentsTable(db, block); found != kNoHandle || !create) return found;
     auto xdictionary = createExtensionDictionary(db, block);

@@ -12,7 +12,7 @@ namespace veltarn::db {
 // The block's draw-order table; kNoHandle when it has none (and in R12 drawings).
 Handle findSortentsTable(const Database& db, Handle block);
 // The table, created (with the record's extension dictionary when that is missing too) on request.
-// Fails for an unknown block and in R12 drawings, which cannot hold one.
+// Creating one converts an R12 drawing to 2018 first. Fails for an unknown block.
 Result<Handle> sortentsTable(Database& db, Handle block, bool create);
 
 // The block's entities in the order they are drawn, bottom first; equal sort handles keep file order.

@@ -2,6 +2,7 @@
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/R12Entity.h"
 #include "cad/dxf/NumberText.h"
 
 namespace veltarn::db {
@@ -33,6 +34,7 @@ Result<Handle> createExtensionDictionary(Database& db, Handle object) {
     if (Handle existing = extensionDictionary(db, object); existing != kNoHandle) return existing;
     if (db.status(object) != OpenStatus::Ok)
         return dxf::makeError("cannot give object " + formatHandle(object) + " an extension dictionary: " + describe(db.status(object)));
+    if (auto converted = db.convertFromR12(); !converted) return converted.error();
     auto dictionary = createDictionary(db, object, true);
     if (!dictionary) return dictionary.error();
     ObjectWriter writer = db.openForWrite(object, true);
@@ -70,7 +72,14 @@ bool releaseExtensionDictionary(Database& db, Handle object) {
 }
 
 Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entity, std::string_view key, const ResultBuffer& values) {
-    if (db.isR12()) return dxf::makeError(db.name() + ": an R12 drawing cannot hold dictionaries or xrecords; save it as a 2018 drawing first");
+    if (db.isR12()) {
+        if (auto converted = db.convertFromR12(); !converted) return converted.error();
+        // Built for the R12 drawing: the entity gets the owner and markers it needs now.
+        if (!entity.hasMarkers()) {
+            entity = modernEntity(entity, kNoHandle, kNoHandle, [](Handle) { return kNoHandle; });
+            entity.erase(1, 2);  // handle and owner: appending sets them
+        }
+    }
     if (entity.empty() || entity[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
     // A plain new entity takes the bulk path; one with sub-entities, groups or in paper space the general one.
     bool plain = entity.find(gc::kStructure, 1) == TagList::npos && entity.find(gc::kHandle) == TagList::npos &&

@@ -10,7 +10,7 @@ namespace veltarn::db {
 // The object's extension dictionary; kNoHandle when it has none (or it was erased).
 Handle extensionDictionary(const Database& db, Handle object);
 // Creates the extension dictionary, or returns the one the object has. Fails on an object that
-// cannot be opened for write and in R12 drawings.
+// cannot be opened for write. An R12 drawing is converted to 2018 first.
 Result<Handle> createExtensionDictionary(Database& db, Handle object);
 // Releases the extension dictionary when it is empty: the dictionary is erased and the group
 // removed. Returns false (and changes nothing) when it still holds entries or there is none.

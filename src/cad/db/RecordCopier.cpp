@@ -279,9 +279,10 @@ std::vector<std::string> recordNamesOf(const Database& db, RecordKind kind) {
 
 Result<std::vector<std::string>> copyRecords(Database& target, const Database& source, RecordKind kind, const std::vector<std::string>& names) {
     if (&target == &source) return dxf::makeError("cannot copy records of a drawing into itself");
-    // Records of a 2000+ drawing carry what R12 cannot hold (owners, subclass markers, objects).
+    // Records of a 2000+ drawing carry what R12 cannot hold (owners, subclass markers, objects):
+    // an R12 target becomes a 2018 drawing first.
     if (target.isR12() && !source.isR12())
-        return dxf::makeError(target.name() + ": records of a 2000 or later drawing cannot be copied into an R12 drawing; save it as a 2018 drawing first");
+        if (auto converted = target.convertFromR12(); !converted) return converted.error();
     if (!target.isR12() && source.isR12())
         return dxf::makeError(source.name() + ": records of an R12 drawing cannot be copied into a 2000 or later drawing");
     // The copy runs as (part of) a command so that a failure can be rolled back whole.

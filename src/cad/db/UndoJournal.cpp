@@ -36,6 +36,17 @@ void UndoJournal::setEnabled(bool enabled) {
     }
 }
 
+void UndoJournal::forgetHistory() {
+    std::string open = depth_ > 0 && enabled_ && !commands_.empty() ? commands_.back().name : std::string();
+    changes_.clear();
+    commands_.clear();
+    done_ = 0;
+    if (depth_ > 0 && enabled_) {
+        commands_.push_back({std::move(open), 0, 0});
+        done_ = 1;
+    }
+}
+
 void UndoJournal::record(std::uint32_t slot, State before, State after) {
     if (!recording()) return;
     changes_.push_back({slot, before, after});

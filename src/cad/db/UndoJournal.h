@@ -31,6 +31,9 @@ public:
     bool recording() const { return depth_ > 0 && enabled_; }
     // Bulk loaders switch recording off; switching it off also forgets what can be undone.
     void setEnabled(bool enabled);
+    // Forgets every change recorded so far (the objects they name are gone); a command that is
+    // open stays open and records what follows.
+    void forgetHistory();
 
     void record(std::uint32_t slot, State before, State after);
     // Forgets the changes from `mark` on (they were reverted), within the open command.

@@ -148,16 +148,5 @@ TEST(ExtensionDictionaries, AreCreatedOnceReleasedWhenEmptyAndCleanedOnErase) {
     }
 }
 
-TEST(ExtensionDictionaries, AreRefusedInR12Drawings) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
-    Database db = test::loadOrFail(test::generated("all-r12.dxf", "40 --kinds all --version R12"));
-    ASSERT_TRUE(db.isR12());
-    Handle entity = db.entitiesOf(db.modelSpace()).at(0);
-    auto made = createExtensionDictionary(db, entity);
-    ASSERT_FALSE(made.ok());
-    EXPECT_NE(made.message().find("R12"), std::string::npos) << made.message();
-    EXPECT_FALSE(namedDictionary(db, "ODEMUDATA", true).ok());
-}
-
 }  // namespace
 }  // namespace veltarn::db

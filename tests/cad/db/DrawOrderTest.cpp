@@ -90,10 +90,13 @@ TEST(DrawOrder, ListedEntitiesTradePlacesAndTheOthersKeepTheirs) {
     EXPECT_TRUE(test::withoutSeed(db) == withBlock);
 }
 
-TEST(DrawOrder, R12DrawingsCannotHoldOne) {
+TEST(DrawOrder, R12DrawingsAreConvertedOnlyWhenATableIsMade) {
     Database db = test::parseOrFail("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n0\nENDSEC\n0\nEOF\n");
-    EXPECT_FALSE(sortentsTable(db, db.modelSpace(), true).ok());
+    EXPECT_EQ(sortentsTable(db, db.modelSpace(), false).value(), kNoHandle);
     EXPECT_EQ(drawOrder(db, db.modelSpace()).size(), 1u);
+    EXPECT_TRUE(db.isR12());
+    EXPECT_NE(sortentsTable(db, db.modelSpace(), true).value(), kNoHandle);
+    EXPECT_FALSE(db.isR12());
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST(RecordCopier, RecordsComeWithWhatTheyReferToAndExistingOnesAreKept) {
     EXPECT_EQ(layoutNames(back).size(), 3u);
 }
 
-TEST(RecordCopier, ACopyIsUndoneWholeAndRefusedWhereTheTargetCannotHoldIt) {
+TEST(RecordCopier, ACopyIsUndoneWholeAndConvertsAnR12Target) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database source = test::loadOrFail(resources());
     Database target = Database::createNew();
@@ -116,10 +116,16 @@ TEST(RecordCopier, ACopyIsUndoneWholeAndRefusedWhereTheTargetCannotHoldIt) {
     EXPECT_TRUE(target.exists(kept));
 
     Database r12 = test::parseOrFail("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n70\n1\n0\nENDTAB\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
-    const std::string r12Before = r12.toText().value();
-    EXPECT_FALSE(copyRecords(r12, source, RecordKind::MlineStyle, {"DOUBLE"}).ok());
-    EXPECT_FALSE(copyRecords(r12, source, RecordKind::Layer, {"ROADS"}).ok());
-    EXPECT_TRUE(r12.toText().value() == r12Before);
+    // An R12 source cannot give a 2000+ target what its records lack; an R12 target is converted.
+    Database modern = Database::createNew();
+    const std::string modernBefore = modern.toText().value();
+    EXPECT_FALSE(copyRecords(modern, r12, RecordKind::Layer, {"0"}).ok());
+    EXPECT_TRUE(modern.toText().value() == modernBefore);
+    EXPECT_EQ(names(copyRecords(r12, source, RecordKind::MlineStyle, {"DOUBLE"}).value()), "DOUBLE");
+    EXPECT_TRUE(r12.convertedFromR12());
+    auto dir = test::scratchDir("record-copier-r12");
+    ASSERT_TRUE(r12.save(dir / "out.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "out.dxf"), "");
 }
 
 }  // namespace
