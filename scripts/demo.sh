@@ -10,14 +10,8 @@ mkdir -p "$out"
 export XDG_CONFIG_HOME="$out/config"
 rm -rf "$XDG_CONFIG_HOME"
 
-if "$build/bin/veltarn" --help 2>&1 | grep -q -- "--check-classifier"; then
-  echo "== veltarn examples/utility-survey.dxf --check-classifier examples/utility-survey.txt"
-  "$build/bin/veltarn" examples/utility-survey.dxf --check-classifier examples/utility-survey.txt
-else
-  # Until the program checks classifiers itself, the reader runs through its example test.
-  echo "== example classifier read against the example drawing (classifier_resource_tests)"
-  "$build/tests/classifier_resource_tests" --gtest_filter='ExampleClassifier.*' --gtest_brief=1
-fi
+echo "== veltarn examples/utility-survey.dxf --check-classifier examples/utility-survey.txt"
+"$build/bin/veltarn" examples/utility-survey.dxf --check-classifier examples/utility-survey.txt
 
 echo "== veltarn examples/survey.dxf --save-as $out/survey.dxf"
 "$build/bin/veltarn" examples/survey.dxf --save-as "$out/survey.dxf"

@@ -43,6 +43,14 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
             auto value = valueOf(argument);
             if (!value) return parsed;
             options.inputs.push_back({ProgramInput::Kind::kCommand, unescapeCommandText(*value)});
+        } else if (argument == "--check-classifier") {
+            auto value = valueOf(argument);
+            if (!value) return parsed;
+            if (options.checkClassifier) {
+                parsed.error = "only one classifier may be checked";
+                return parsed;
+            }
+            options.checkClassifier = *value;
         } else if (argument.size() > 1 && argument[0] == '-') {
             parsed.error = "unknown option '" + argument + "'";
             return parsed;
@@ -53,11 +61,15 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
             options.drawing = argument;
         }
     }
+    // A check runs no commands: scripts and command texts given with it would silently be ignored.
+    if (options.checkClassifier && !options.inputs.empty())
+        parsed.error = "--check-classifier runs no scripts or commands";
     return parsed;
 }
 
 std::string usageText() {
     return "usage: veltarn [DRAWING] [--script FILE]... [--command TEXT]... [--save-as OUT]\n"
+           "       veltarn [DRAWING] --check-classifier FILE [--save-as OUT]\n"
            "\n"
            "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
            "given), runs the scripts and command texts in the order given, then, with --save-as,\n"
@@ -68,12 +80,17 @@ std::string usageText() {
            "  --script FILE   run the command lines of FILE\n"
            "  --command TEXT  run TEXT as typed; the two characters \\n in it are a line end\n"
            "  --save-as OUT   save the drawing to OUT when the run ends\n"
+           "  --check-classifier FILE\n"
+           "                  read the classifier FILE against the drawing as loading it would\n"
+           "                  (its tables checked, its resources brought in), print its messages\n"
+           "                  and then \"N classes, N objects, N tables\"; exit status 1 when\n"
+           "                  reading stopped on an error or FILE cannot be opened\n"
            "  --help          show this text\n"
            "  --version       show the program's version\n"
            "\n"
            "The transcript (prompts, answers, what commands print) goes to standard output, the\n"
            "program's own errors to standard error.\n"
-           "exit status: 0 on success, 1 on a file error, 2 on a usage error\n";
+           "exit status: 0 on success, 1 on a file error or a failed classifier check, 2 on a usage error\n";
 }
 
 }  // namespace veltarn::app

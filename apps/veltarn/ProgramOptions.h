@@ -18,6 +18,7 @@ struct ProgramOptions {
     std::optional<std::string> drawing;  // the drawing to open; a new one when absent
     std::optional<std::string> saveAs;   // where to save when the run ends
     std::vector<ProgramInput> inputs;
+    std::optional<std::string> checkClassifier;  // check this classifier file instead of running commands
     bool help = false;
     bool version = false;
 };

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "ClassifierCheck.h"
 #include "ProgramInputFeed.h"
 #include "ProgramOptions.h"
 #include "app/ModuleEntry.h"
@@ -49,6 +50,8 @@ private:
     std::string pending_;
 };
 
+int save(seam::WorkbenchHost& workbench, const std::string& path);
+
 int fail(int code, const std::string& message) {
     std::fflush(stdout);
     std::cerr << "veltarn: " << message << "\n";
@@ -85,6 +88,22 @@ int main(int argc, char** argv) {
     } else {
         drawing = std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew());
     }
+    if (options.checkClassifier) {
+        seam::WorkbenchHost workbench([](const std::wstring& text) {
+            const std::string bytes = host::toUtf8(text);
+            std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+        }, editor::SettingsEnvironment::defaultFile());
+        workbench.openDocument(std::move(drawing));
+        const app::ClassifierCheck check = app::checkClassifier(workbench, *options.checkClassifier,
+                                                                [&workbench](const std::wstring& text) { workbench.editor().print(text); });
+        if (!check.opened) return fail(app::kExitFileError, *options.checkClassifier + ": cannot open the classifier");
+        if (options.saveAs) {
+            if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
+        }
+        std::fflush(stdout);
+        return check.failed ? app::kExitFileError : app::kExitOk;
+    }
+
     const bool interactive = options.inputs.empty() && ::isatty(STDIN_FILENO);
     Transcript transcript(interactive);
     app::LineSource source;
@@ -122,10 +141,17 @@ int main(int argc, char** argv) {
     veltarnEntryPoint(AppMessage::kUnloadApp, workbench);
     transcript.flush();
 
-    if (options.saveAs) {
-        seam::WorkbenchDatabase* current = workbench.currentDrawing();
-        if (!current) return fail(app::kExitFileError, "no drawing is open to save");
-        if (auto saved = current->raw().save(*options.saveAs); !saved) return fail(app::kExitFileError, saved.message());
-    }
+    if (options.saveAs) return save(workbench, *options.saveAs);
     return app::kExitOk;
 }
+
+namespace {
+
+int save(seam::WorkbenchHost& workbench, const std::string& path) {
+    seam::WorkbenchDatabase* current = workbench.currentDrawing();
+    if (!current) return fail(app::kExitFileError, "no drawing is open to save");
+    if (auto saved = current->raw().save(path); !saved) return fail(app::kExitFileError, saved.message());
+    return app::kExitOk;
+}
+
+}  // namespace

@@ -90,7 +90,8 @@ TEST_F(Program, FileAndUsageErrorsGoToStandardErrorWithTheirStatus) {
     EXPECT_EQ(unsaved.exitCode, 1);
     EXPECT_EQ(unsaved.err.rfind("veltarn: cannot save '", 0), 0u) << unsaved.err;
 
-    for (const char* wrong : {"--script", "--command", "--frobnicate", "a.dxf b.dxf"}) {
+    for (const char* wrong : {"--script", "--command", "--frobnicate", "a.dxf b.dxf", "--check-classifier",
+                              "--check-classifier a.txt --command HELP", "--check-classifier a.txt --check-classifier b.txt"}) {
         const Outcome usage = veltarn(wrong);
         EXPECT_EQ(usage.exitCode, 2) << wrong;
         EXPECT_EQ(usage.out, "") << wrong;

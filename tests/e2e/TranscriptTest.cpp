@@ -2,60 +2,19 @@
 // NAME.in.dxf, when present, is the drawing the program opens, and other NAME.* files are copied
 // into the run's folder as they are (scripts the case runs with SCRIPT). The run's folder is the
 // working folder, so its path is written "<dir>" in the transcript that is compared.
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <vector>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include "ProgramRun.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace veltarn::e2e;
 
 const fs::path kCases = fs::path(VELTARN_SOURCE_DIR) / "tests/e2e/cases";
-const fs::path kProgram = fs::path(VELTARN_BINARY_DIR) / "bin/veltarn";
 const fs::path kAuditor = "/work/shared/tools/audit_dxf.py";
-
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
-
-void writeFile(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
-
-std::string quote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-struct ShellRun {
-    int exitCode = -1;
-    std::string out;
-};
-
-ShellRun runShell(const std::string& command) {
-    ShellRun run;
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) run.out.append(buffer, n);
-    const int status = ::pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
-
-void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    if (from.empty()) return;
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-}
 
 std::vector<std::string> caseNames() {
     std::vector<std::string> names;
@@ -64,22 +23,6 @@ std::vector<std::string> caseNames() {
             names.push_back(item.path().stem().string());
     std::sort(names.begin(), names.end());
     return names;
-}
-
-bool updating() {
-    const char* value = std::getenv("VELTARN_UPDATE_GOLDEN");
-    return value && std::string(value) == "1";
-}
-
-// Compares `actual` with the golden file, or rewrites it when updating.
-void expectGolden(const fs::path& golden, const std::string& actual, const std::string& what) {
-    if (updating()) {
-        writeFile(golden, actual);
-        return;
-    }
-    ASSERT_TRUE(fs::exists(golden)) << golden << " is missing; run with VELTARN_UPDATE_GOLDEN=1 to write it";
-    const std::string expected = readFile(golden);
-    EXPECT_EQ(actual, expected) << what << " differs from " << golden;
 }
 
 class Transcript : public ::testing::TestWithParam<std::string> {

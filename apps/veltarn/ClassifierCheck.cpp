@@ -1,0 +1,34 @@
+#include "ClassifierCheck.h"
+
+#include <fstream>
+
+#include "classifier/ClassifierReader.h"
+#include "classifier/DrawingResources.h"
+#include "host/Format.h"
+#include "host/Utf8.h"
+
+namespace veltarn::app {
+
+ClassifierCheck checkClassifier(seam::WorkbenchHost& host, const std::filesystem::path& file,
+                                const std::function<void(const std::wstring&)>& print) {
+    ClassifierCheck check;
+    // The reader is silent about a file it cannot open; the caller has to say so itself.
+    check.opened = std::ifstream(file).is_open();
+    host::Database* drawing = host.workingDatabase();
+    if (check.opened && drawing) {
+        DrawingResources resources(host, *drawing);
+        ClassifierReader reader(print, &host.systemVariables(), &resources);
+        const Classifier classifier = reader.read(host::fromUtf8(file.string()));
+        check.failed = reader.failed();
+        // An error leaves the classifier empty, so the counts are 0 then without a special case.
+        check.classes = classifier.classCount();
+        check.objects = classifier.objectCount();
+        check.tables = classifier.tableCount();
+    } else {
+        check.failed = true;
+    }
+    print(host::format(L"%i classes, %i objects, %i tables\n", check.classes, check.objects, check.tables));
+    return check;
+}
+
+}  // namespace veltarn::app
