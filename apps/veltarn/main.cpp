@@ -12,6 +12,7 @@
 #include "app/ModuleEntry.h"
 #include "cad/commands/HostSession.h"
 #include "cad/seam/WorkbenchHost.h"
+#include "data/ObjectDataListing.h"
 #include "host/Utf8.h"
 
 using namespace veltarn;
@@ -121,6 +122,12 @@ int main(int argc, char** argv) {
                                   editor::SettingsEnvironment::defaultFile());
     cad::HostSession session(workbench);
     cad::registerHostCommands(session);
+    // LIST shows the module's object data readably, under the entity's other lines.
+    session.listObjectData = [](host::Database& db, host::ObjectId id) {
+        std::wstring text;
+        for (const std::wstring& line : listObjectData(db, id)) text += L"  " + line + L"\n";
+        return text;
+    };
     workbench.openDocument(std::move(drawing));
 
     // The module is loaded once the first document is open, and told of each document after.

@@ -58,7 +58,9 @@ std::wstring folderOf(const std::wstring& path) {
 
 }  // namespace
 
-bool DrawingResources::tableMatches(const TableDef& table) const { return matchesDrawingTable(db_, table); }
+bool DrawingResources::tableMatches(const TableDef& table) const {
+    return matchesDrawingTable(db_, table, &host_.documents());
+}
 
 bool DrawingResources::hasResource(ResourceKind kind, const std::wstring& name) const {
     if (kind == ResourceKind::Pattern) return db_.hasHatchPattern(name);

@@ -14,9 +14,9 @@ bool agreesWithDefinition(const TableDef& table, const ObjectDataRecord& definit
     return true;
 }
 
-bool matchesDrawingTable(host::Database& db, const TableDef& table) {
+bool matchesDrawingTable(host::Database& db, const TableDef& table, host::Documents* documents) {
     ObjectDataRecord definition;
-    if (!readTableDefinition(db, table.name, definition)) return true;
+    if (!readTableDefinition(db, table.name, definition, documents)) return true;
     return agreesWithDefinition(table, definition);
 }
 

@@ -4,6 +4,7 @@
 #include "classifier/TableDef.h"
 #include "data/ObjectDataRecord.h"
 #include "host/Database.h"
+#include "host/Documents.h"
 
 namespace veltarn {
 
@@ -12,7 +13,7 @@ namespace veltarn {
 bool agreesWithDefinition(const TableDef& table, const ObjectDataRecord& definition);
 
 // Whether `table` agrees with the drawing's definition of the same name; true when the drawing
-// has none.
-bool matchesDrawingTable(host::Database& db, const TableDef& table);
+// has none. `documents` locks the drawing's document when the store has to create "ODEMUDATA".
+bool matchesDrawingTable(host::Database& db, const TableDef& table, host::Documents* documents = nullptr);
 
 }  // namespace veltarn
