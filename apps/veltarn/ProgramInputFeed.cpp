@@ -1,5 +1,6 @@
 #include "ProgramInputFeed.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -28,6 +29,29 @@ LineSource linesOf(std::wstring text) {
         *position = end;
         return line;
     };
+}
+
+// Ctrl+C at the terminal cancels the prompt that waits, as in a CAD program, instead of ending the
+// program: the signal only interrupts the read, which then hands the command line character 3.
+volatile std::sig_atomic_t interrupted = 0;
+
+void onInterrupt(int) { interrupted = 1; }
+
+void catchInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0;  // no restart: the read returns at once
+    sigaction(SIGINT, &action, nullptr);
+}
+
+// The cancel that a Ctrl+C during a read stands for, when there was one.
+std::optional<std::wstring> takeInterrupt() {
+    if (!interrupted) return std::nullopt;
+    interrupted = 0;
+    std::fputs("^C\n", stdout);
+    std::fflush(stdout);
+    return std::wstring(1, L'\x03');
 }
 
 }  // namespace
@@ -62,10 +86,15 @@ LineSource feedOfStandardInput() {
 }
 
 LineSource feedOfTerminal(std::function<std::string()> takePrompt) {
+    catchInterrupts();
 #ifdef VELTARN_HAVE_LIBEDIT
     return [takePrompt]() -> std::optional<std::wstring> {
         const std::string prompt = takePrompt();
         char* typed = ::readline(prompt.c_str());
+        if (interrupted) {
+            std::free(typed);
+            return takeInterrupt();
+        }
         if (!typed) {
             std::fputs("\n", stdout);
             return std::nullopt;
@@ -80,7 +109,11 @@ LineSource feedOfTerminal(std::function<std::string()> takePrompt) {
         std::fputs(takePrompt().c_str(), stdout);
         std::fflush(stdout);
         std::string line;
-        if (!std::getline(std::cin, line)) return std::nullopt;
+        if (!std::getline(std::cin, line)) {
+            if (!interrupted) return std::nullopt;
+            std::cin.clear();
+            return takeInterrupt();
+        }
         return host::fromUtf8(line) + L"\n";
     };
 #endif

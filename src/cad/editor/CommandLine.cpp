@@ -188,13 +188,25 @@ bool CommandLine::step() {
         print(L"*Cancel*\n");
         return true;
     }
-    echo(word.text);
     std::wstring typed = word.text;
-    if (!typed.empty() && typed[0] == L'\'') typed.erase(0, 1);  // transparent form, same at this prompt
+    if (typed.empty()) {
+        // Enter repeats the last command, named as if typed; with none yet it does nothing.
+        const Command* last = lastCommand_.empty() ? nullptr : registry_.find(lastCommand_, true);
+        if (!last) {
+            echo(typed);
+            return true;
+        }
+        if (quiet_ == 0) print(upper(last->globalName) + L"\n");
+        execute(*last, upper(last->globalName));
+        return true;
+    }
+    echo(word.text);
+    if (typed[0] == L'\'') typed.erase(0, 1);  // transparent form, same at this prompt
     if (typed.empty()) return true;
     bool global = false;
     const std::wstring name = stripPrefixes(typed, global);
     if (const Command* command = registry_.find(name, global)) {
+        lastCommand_ = command->globalName;
         execute(*command, upper(command->globalName));
     } else if (!global && variables_.has(name)) {
         promptVariable(name);

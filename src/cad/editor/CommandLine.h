@@ -36,7 +36,8 @@ public:
     void sendString(const std::wstring& text);
 
     // One turn of the "Command: " prompt: reads a command name (or a lisp call, or a variable name)
-    // and runs it. False when the input has ended.
+    // and runs it; Enter alone runs the last command started here again. False when the input has
+    // ended.
     bool step();
     // Turns until the input ends.
     void run();
@@ -96,6 +97,7 @@ private:
     std::deque<host::TypedValue> feed_;
     std::vector<host::ObjectId> pickFirst_;
     std::vector<host::EditorReactor*> reactors_;
+    std::wstring lastCommand_;  // global name of the last command started at "Command: "
 };
 
 }  // namespace veltarn::editor

@@ -74,6 +74,19 @@ TEST_F(CommandLineTest, promptsWithAndWithoutSpacesAndEnterReadLikeACommandLine)
     EXPECT_EQ(run(L"ask x"), L"Command: ask\nObject: x\nMode [0/1]<0>: [x||error]\n");
 }
 
+TEST_F(CommandLineTest, enterAtTheCommandPromptRepeatsTheLastCommandStartedThere) {
+    EXPECT_EQ(run(L"\n"), L"Command: \n");  // nothing to repeat yet
+    EXPECT_EQ(run(L"ask a\n1\n\nb\n0\n"),
+              L"Command: ask\nObject: a\nMode [0/1]<0>: 1\n[a|1|normal]\n"
+              L"Command: ASK\nObject: b\nMode [0/1]<0>: 0\n[b|0|normal]\n");
+    // A variable shown, an unknown name or a transparent command run inside a prompt is not a
+    // command started at the prompt: Enter still repeats ASK.
+    EXPECT_EQ(run(L"CMDNAMES\nnothing\n\n'GETVAR\nCMDNAMES\nc\n\x03"),
+              L"Command: CMDNAMES\nCMDNAMES = \"\" (read only)\n"
+              L"Command: nothing\nUnknown command \"NOTHING\".\n"
+              L"Command: ASK\nObject: 'GETVAR\nEnter variable name: CMDNAMES\n\"ASK'GETVAR\"\nObject: c\nMode [0/1]<0>: *Cancel*\n[c||cancel]\n");
+}
+
 TEST_F(CommandLineTest, cancelEndsThePromptAndTheCommandIsReportedCancelled) {
     std::wstring log;
     LogReactor reactor(log);
