@@ -1,5 +1,6 @@
 #include "cad/seam/WorkbenchHost.h"
 
+#include "cad/seam/HeaderVariables.h"
 #include "cad/seam/ValueConversion.h"
 #include "cad/support/UserSupportFolder.h"
 
@@ -66,9 +67,7 @@ void WorkbenchHost::openDocument(std::unique_ptr<WorkbenchDatabase> drawing) {
     closeDocument();
     drawing->setCurrentSettings(&variables_);
     drawing->setSupportPath([this] { return environment_.supportPath(); });
-    const db::Database& db = drawing->raw();
-    const std::string layer = db.headerVariable("$CLAYER").value_or("0");
-    variables_.set(L"CLAYER", host::VariableValue::ofString(wide(layer.empty() ? "0" : layer)));
+    readHeaderVariables(drawing->raw(), variables_);
     documents_.open(std::move(drawing));
     selector_.forgetPrevious();
     commandLine_.setPickFirst({});

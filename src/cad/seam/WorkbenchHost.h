@@ -40,8 +40,8 @@ public:
     // The current document's drawing; null when none is open.
     WorkbenchDatabase* currentDrawing();
     // Makes `drawing` the current document: the document before is closed (its close event first),
-    // the session's current layer follows the drawing's, the previous selection set and the
-    // pick-first set are emptied, and the open event is sent.
+    // the variables its header keeps (current layer, units, precision...) follow the drawing's,
+    // the previous selection set and the pick-first set are emptied, and the open event is sent.
     void openDocument(std::unique_ptr<WorkbenchDatabase> drawing);
     void setDocumentEvents(DocumentEvent closing, DocumentEvent opened);
     // Closes the current document, sending its close event.

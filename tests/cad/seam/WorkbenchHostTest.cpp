@@ -101,6 +101,18 @@ TEST_F(WorkbenchHostTest, DocumentEventsAndNamesFollowTheOpenDrawing) {
     EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
 }
 
+TEST_F(WorkbenchHostTest, TheSessionTakesTheVariablesTheDrawingsHeaderKeeps) {
+    ASSERT_TRUE(host_.variables().set(L"INSUNITS", host::VariableValue::ofShort(0)));
+    ASSERT_TRUE(host_.variables().set(L"CECOLOR", host::VariableValue::ofString(L"1")));
+    auto drawing = WorkbenchDatabase::read(VELTARN_SOURCE_DIR "/examples/utility-survey.dxf");
+    ASSERT_TRUE(drawing) << drawing.message();
+    host_.openDocument(std::move(*drawing));
+    EXPECT_EQ(host_.variables().get(L"INSUNITS")->integer, 6);  // metres
+    EXPECT_EQ(host_.variables().get(L"CECOLOR")->text, L"BYLAYER");  // index 256 by its name
+    EXPECT_EQ(host_.variables().get(L"CLAYER")->text, L"0");
+    EXPECT_EQ(host_.variables().get(L"LTSCALE")->real, 1.0);
+}
+
 TEST_F(WorkbenchHostTest, ANewUserGetsASupportFolderOfTheirOwnFirstOnThePath) {
     const fs::path settings = dir_ / "config" / "settings";
     {
