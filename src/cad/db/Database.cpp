@@ -232,6 +232,18 @@ OpenStatus Database::read(Handle handle, TagList& out) const {
     return OpenStatus::Ok;
 }
 
+OpenStatus Database::read(Handle handle, TagCursor& cursor) const {
+    OpenStatus result = status(handle);
+    if (result != OpenStatus::Ok) {
+        cursor.overBlob({});
+        return result;
+    }
+    const Slot& slot = slots_[slotOf(handle)];
+    if (slot.flags & kOwned) cursor.overBlob(arena_.at(slot.begin, slot.size));
+    else cursor.overFile(*file_, slot.begin, slot.begin + slot.size);
+    return OpenStatus::Ok;
+}
+
 TagList Database::tags(Handle handle) const {
     TagList out;
     (void)read(handle, out);
@@ -267,14 +279,14 @@ OpenStatus Database::replace(Handle handle, const TagList& tags) {
 }
 
 Handle Database::ownerOf(Handle handle) const {
-    TagList list;
-    if (read(handle, list) != OpenStatus::Ok) return kNoHandle;
+    TagCursor cursor;
+    if (read(handle, cursor) != OpenStatus::Ok || !cursor.next()) return kNoHandle;
     bool inGroup = false;
-    for (std::size_t i = 1; i < list.size(); ++i) {
-        const TagValue& tag = list[i];
-        if (tag.code == gc::kControlString) inGroup = dxf::trimSpaces(tag.value) != kGroupEnd;
-        else if (tag.code == gc::kSoftPointer && !inGroup) return parseHandle(tag.value).value_or(kNoHandle);
-        else if (tag.code == gc::kStructure) break;
+    while (cursor.next()) {
+        int code = cursor.code();
+        if (code == gc::kControlString) inGroup = dxf::trimSpaces(cursor.value()) != kGroupEnd;
+        else if (code == gc::kSoftPointer && !inGroup) return parseHandle(cursor.value()).value_or(kNoHandle);
+        else if (code == gc::kStructure) break;
     }
     return kNoHandle;
 }

@@ -9,6 +9,7 @@
 #include "cad/db/Handle.h"
 #include "cad/db/HandleIndex.h"
 #include "cad/db/TagArena.h"
+#include "cad/db/TagCursor.h"
 #include "cad/db/TagList.h"
 #include "cad/db/UndoJournal.h"
 #include "cad/dxf/OutputSink.h"
@@ -103,6 +104,8 @@ public:
     // The object's own tags (for POLYLINE and INSERT, with their VERTEX/ATTRIB and SEQEND).
     OpenStatus read(Handle handle, TagList& out) const;
     TagList tags(Handle handle) const;
+    // The same tags one by one, without copying them: for reading a few values of many objects.
+    OpenStatus read(Handle handle, TagCursor& cursor) const;
     // Opens for write; an entity on a locked layer gives OnLockedLayer unless `evenIfLocked`.
     ObjectWriter openForWrite(Handle handle, bool evenIfLocked = false);
     // Replaces an object's tags whole (what ObjectWriter::close does).

@@ -38,18 +38,60 @@ Handle Dictionary::find(std::string_view key) const {
     return kNoHandle;
 }
 
+// Calls `visit(key, value, code)` for each entry in dictionary order until it returns false, straight
+// from the stored tags: looking up object data reads one dictionary per entity. Entries count
+// between the AcDbDictionary marker and the next one (everywhere in an object without markers).
+template <class Visit>
+static void forEachEntry(const Database& db, Handle dictionary, Visit visit) {
+    TagCursor cursor;
+    if (!isDictionaryType(db.typeName(dictionary)) || db.read(dictionary, cursor) != OpenStatus::Ok || !cursor.next()) return;
+    enum { Before, In, After } place = Before;
+    std::vector<DictionaryEntry> unmarked;  // entries before any marker: they count only if none follows
+    std::string key;
+    bool keyed = false;
+    while (cursor.next()) {
+        int code = cursor.code();
+        if (code == gc::kStructure) break;
+        if (code == gc::kSubclass) {
+            if (place == In) break;
+            place = cursor.value() == "AcDbDictionary" ? In : After;
+            unmarked.clear();
+            keyed = false;
+            continue;
+        }
+        if (place == After) continue;
+        if (keyed && isEntryValue(code)) {
+            keyed = false;
+            Handle value = parseHandle(cursor.value()).value_or(kNoHandle);
+            if (place == Before) unmarked.push_back({key, value, code});
+            else if (!visit(std::string_view(key), value, code)) return;
+            continue;
+        }
+        keyed = code == gc::kOtherName;
+        if (keyed) key.assign(cursor.value());
+    }
+    if (place == Before)
+        for (const DictionaryEntry& entry : unmarked)
+            if (!visit(std::string_view(entry.key), entry.value, entry.code)) return;
+}
+
 std::vector<DictionaryEntry> dictionaryEntries(const Database& db, Handle dictionary) {
-    if (!isDictionaryType(db.typeName(dictionary))) return {};
-    TagList tags;
-    if (db.read(dictionary, tags) != OpenStatus::Ok) return {};
-    return Dictionary(tags).entries();
+    std::vector<DictionaryEntry> out;
+    forEachEntry(db, dictionary, [&](std::string_view key, Handle value, int code) {
+        out.push_back({std::string(key), value, code});
+        return true;
+    });
+    return out;
 }
 
 Handle findEntry(const Database& db, Handle dictionary, std::string_view key) {
-    if (!isDictionaryType(db.typeName(dictionary))) return kNoHandle;
-    TagList tags;
-    if (db.read(dictionary, tags) != OpenStatus::Ok) return kNoHandle;
-    return Dictionary(tags).find(key);
+    Handle found = kNoHandle;
+    forEachEntry(db, dictionary, [&](std::string_view entry, Handle value, int) {
+        if (!sameName(entry, key)) return true;
+        found = value;
+        return false;
+    });
+    return found;
 }
 
 static Error notADictionary(const Database& db, Handle handle) {

@@ -19,15 +19,22 @@ std::size_t xdictionaryGroup(const TagList& tags) {
 
 }  // namespace
 
+// Read from the stored tags without copying them: object data looks this up once per entity.
 Handle extensionDictionary(const Database& db, Handle object) {
-    TagList tags;
-    if (db.read(object, tags) != OpenStatus::Ok) return kNoHandle;
-    std::size_t group = xdictionaryGroup(tags);
-    if (group == TagList::npos) return kNoHandle;
-    std::size_t at = tags.find(gc::kHardOwner, group + 1);
-    if (at == TagList::npos) return kNoHandle;
-    Handle dictionary = parseHandle(tags[at].value).value_or(kNoHandle);
-    return db.exists(dictionary) ? dictionary : kNoHandle;
+    TagCursor cursor;
+    if (db.read(object, cursor) != OpenStatus::Ok || !cursor.next()) return kNoHandle;
+    bool inGroup = false;
+    while (cursor.next()) {
+        int code = cursor.code();
+        if (code == gc::kSubclass || code == gc::kStructure) break;
+        if (code == gc::kControlString) {
+            inGroup = dxf::trimSpaces(cursor.value()) == kXdictionaryGroup;
+        } else if (inGroup && code == gc::kHardOwner) {
+            Handle dictionary = parseHandle(cursor.value()).value_or(kNoHandle);
+            return db.exists(dictionary) ? dictionary : kNoHandle;
+        }
+    }
+    return kNoHandle;
 }
 
 Result<Handle> createExtensionDictionary(Database& db, Handle object) {

@@ -17,7 +17,7 @@ std::uint32_t TagArena::store(std::string_view bytes) {
         Chunk chunk;
         chunk.start = start;
         chunk.capacity = capacity;
-        chunk.data = std::make_unique<char[]>(capacity);
+        chunk.data.reset(new char[capacity]);  // not zeroed: a 16 MiB memset per chunk showed in bulk creation
         chunks_.push_back(std::move(chunk));
     }
     Chunk& chunk = chunks_.back();

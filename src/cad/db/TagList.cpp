@@ -187,6 +187,22 @@ void TagList::encode(std::string& out) const {
 
 TagList TagList::decode(std::string_view blob) {
     TagList list;
+    // Counted first: growing the vector tag by tag cost more than the decoding itself.
+    std::size_t count = 0;
+    for (std::size_t at = 0; at + 4 <= blob.size(); ++count) {
+        std::uint16_t shortLength;
+        std::memcpy(&shortLength, blob.data() + at + 2, 2);
+        at += 4;
+        std::size_t length = shortLength;
+        if (shortLength == 0xFFFF) {
+            std::uint32_t longLength;
+            std::memcpy(&longLength, blob.data() + at, 4);
+            length = longLength;
+            at += 4;
+        }
+        at += length;
+    }
+    list.tags_.reserve(count);
     std::size_t at = 0;
     while (at + 4 <= blob.size()) {
         std::int16_t code;

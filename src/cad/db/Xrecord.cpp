@@ -130,12 +130,44 @@ static Error notAnXrecord(const Database& db, Handle handle) {
                           std::string(describe(db.status(handle))) + ")");
 }
 
+// Straight from the stored tags, as valuesOf reads a TagList: object data reads one xrecord per record.
 Result<ResultBuffer> readXrecord(const Database& db, Handle xrecord) {
-    TagList tags;
-    if (db.typeName(xrecord) != "XRECORD" || db.read(xrecord, tags) != OpenStatus::Ok) return notAnXrecord(db, xrecord);
-    std::size_t start = valuesStart(tags);
-    if (start == TagList::npos) return ResultBuffer{};
-    return valuesOf(tags, start, tags.size());
+    TagCursor cursor;
+    if (db.typeName(xrecord) != "XRECORD" || db.read(xrecord, cursor) != OpenStatus::Ok) return notAnXrecord(db, xrecord);
+    ResultBuffer out;
+    bool have = cursor.next();
+    while (have && !(cursor.code() == gc::kSubclass && cursor.value() == "AcDbXrecord")) have = cursor.next();
+    if (!have) return out;
+    have = cursor.next();
+    if (have && cursor.code() == gc::kHardOwnerFlag) have = cursor.next();
+    while (have) {
+        TypedValue v;
+        v.code = cursor.code();
+        std::string_view value = cursor.value();
+        switch (v.kind()) {
+            case TypedValue::Kind::Point:
+                v.point.x = dxf::parseReal(value).value_or(0);
+                have = cursor.next();
+                if (have && cursor.code() == v.code + 10) {
+                    v.point.y = dxf::parseReal(cursor.value()).value_or(0);
+                    have = cursor.next();
+                    if (have && cursor.code() == v.code + 20) {
+                        v.point.z = dxf::parseReal(cursor.value()).value_or(0);
+                        have = cursor.next();
+                    }
+                }
+                out.push_back(std::move(v));
+                continue;
+            case TypedValue::Kind::Real: v.real = dxf::parseReal(value).value_or(0); break;
+            case TypedValue::Kind::Integer: v.integer = dxf::parseInteger(value).value_or(0); break;
+            case TypedValue::Kind::Binary: v.text = dxf::fromHex(dxf::trimSpaces(value)).value_or(std::string()); break;
+            case TypedValue::Kind::Handle: v.text = std::string(dxf::trimSpaces(value)); break;
+            case TypedValue::Kind::Text: v.text = std::string(value); break;
+        }
+        out.push_back(std::move(v));
+        have = cursor.next();
+    }
+    return out;
 }
 
 Result<void> replaceXrecord(Database& db, Handle xrecord, const ResultBuffer& values) {
