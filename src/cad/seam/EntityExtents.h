@@ -19,10 +19,10 @@ struct Extents {
     }
 };
 
-// Circles and arcs by their curves, polylines and hatches by their vertices, everything else by
-// the points of its geometry (codes 10 to 18, as the kind stores them). Polyline bulges and the
-// size of texts are not measured: a text is its insertion point. nullopt for an entity that has
-// no point (an infinite line's direction alone, a damaged entity).
+// Circles, arcs, ellipses and polylines (bulges included) by their curves; texts by an approximate
+// box from their height, length, rotation and justification; hatches by their vertices; everything
+// else by the points of its geometry (codes 10 to 18, as the kind stores them). nullopt for an
+// entity that has no point (an infinite line's direction alone, a damaged entity).
 std::optional<Extents> entityExtents(const db::TagList& tags);
 
 }  // namespace veltarn::seam
