@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "cad/commands/HostSession.h"
@@ -45,11 +47,23 @@ void registerPromptingCommands(seam::WorkbenchHost& host) {
     });
 }
 
+// A settings file that names an empty support path, so that no run makes a new user's support
+// folder (which would write files on every start).
+const std::filesystem::path& settingsFile() {
+    static const std::filesystem::path file = [] {
+        const std::filesystem::path folder = std::filesystem::temp_directory_path() / "veltarn_command_input_fuzz";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / "settings") << "supportPath=\n";
+        return folder / "settings";
+    }();
+    return file;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::size_t printed = 0;
-    seam::WorkbenchHost host([&printed](const std::wstring& text) { printed += text.size(); }, "/nonexistent/settings");
+    seam::WorkbenchHost host([&printed](const std::wstring& text) { printed += text.size(); }, settingsFile());
     cad::HostSession session(host);
     cad::registerUndoCommands(session);
     cad::registerSelectionCommands(session);
