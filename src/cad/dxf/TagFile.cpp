@@ -99,7 +99,9 @@ Result<void> TagFile::readHeaderFacts() {
     while (first < size() && code(first) == code::kComment) ++first;
     if (first + 1 < size() && is(first, code::kStructure, "SECTION") && is(first + 1, code::kName, "HEADER")) {
         for (std::size_t i = first + 2; i + 1 < size() && code(i) != code::kStructure; ++i) {
-            if (code(i) != code::kVariableName) continue;
+            // Only a text value names a version or code page: the bytes of a binary number do not,
+            // and would name another one once the drawing is written as ASCII.
+            if (code(i) != code::kVariableName || valueKindOf(code(i + 1)) != ValueKind::String) continue;
             if (is(i, code::kVariableName, "$ACADVER"))
                 version_ = std::string(trimSpaces(raw(i + 1)));
             else if (is(i, code::kVariableName, "$DWGCODEPAGE"))

@@ -32,5 +32,14 @@ TEST(FuzzRegression, TextInCodePage1258KeepsItsLastCharacter) {
     EXPECT_EQ(file->text(7), "À LINE");
 }
 
+TEST(FuzzRegression, CodePageIsReadOnlyFromAText) {
+    // The eight bytes of a real after $DWGCODEPAGE read "ANSI_950" in binary, and a number in ASCII.
+    test::BinaryDxf dxf(true);
+    dxf.text(0, "SECTION").text(2, "HEADER").text(9, "$DWGCODEPAGE").groupCode(20).append("ANSI_950");
+    auto file = TagFile::parse(dxf.text(0, "ENDSEC").text(0, "EOF").bytes(), "fuzz.dxf");
+    ASSERT_TRUE(file.ok()) << file.message();
+    EXPECT_EQ(file->codec().codePage(), "ANSI_1252");
+}
+
 }  // namespace
 }  // namespace veltarn::dxf
