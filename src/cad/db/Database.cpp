@@ -152,14 +152,12 @@ void Database::decodeSlot(const Slot& slot, TagList& out) const {
 
 std::string Database::nameOf(std::uint32_t slot) const {
     const Slot& s = slots_[slot];
-    if (s.flags & kOwned) {
-        TagList tags;
-        decodeSlot(s, tags);
-        auto name = tags.text(gc::kName);
-        return name ? std::string(*name) : std::string();
-    }
-    for (std::uint32_t i = s.begin + 1; i < s.begin + s.size; ++i)
-        if (file_->code(i) == gc::kName) return file_->text(i);
+    TagCursor cursor;
+    if (s.flags & kOwned) cursor.overBlob(arena_.at(s.begin, s.size));
+    else cursor.overFile(*file_, s.begin, s.begin + s.size);
+    if (!cursor.next()) return {};
+    while (cursor.next())
+        if (cursor.code() == gc::kName) return std::string(cursor.value());
     return {};
 }
 
@@ -252,11 +250,26 @@ TagList Database::tags(Handle handle) const {
 
 bool Database::onLockedLayer(const TagList& tags) const {
     auto layer = tags.text(gc::kLayer);
-    if (!layer) return false;
-    Handle record = findRecord("LAYER", dxf::trimSpaces(*layer));
-    if (record == kNoHandle) return false;
-    TagList layerTags = this->tags(record);
-    return (layerTags.integer(gc::kFlags).value_or(0) & 4) != 0;
+    return layer && layerLocked(dxf::trimSpaces(*layer));
+}
+
+bool Database::layerLocked(std::string_view layer) const {
+    constexpr int kLocked = 4;
+    TagCursor cursor;
+    if (read(findRecord("LAYER", layer), cursor) != OpenStatus::Ok) return false;
+    while (cursor.next())
+        if (cursor.code() == gc::kFlags) return (dxf::parseInteger(cursor.value()).value_or(0) & kLocked) != 0;
+    return false;
+}
+
+bool Database::isOnLockedLayer(Handle entity) const {
+    TagCursor cursor;
+    if (blockOf(entity) == kNoHandle || read(entity, cursor) != OpenStatus::Ok || !cursor.next()) return false;
+    while (cursor.next()) {
+        if (cursor.code() == gc::kStructure) break;
+        if (cursor.code() == gc::kLayer) return layerLocked(std::string(dxf::trimSpaces(cursor.value())));
+    }
+    return false;
 }
 
 ObjectWriter Database::openForWrite(Handle handle, bool evenIfLocked) {

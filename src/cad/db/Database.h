@@ -108,6 +108,8 @@ public:
     OpenStatus read(Handle handle, TagCursor& cursor) const;
     // Opens for write; an entity on a locked layer gives OnLockedLayer unless `evenIfLocked`.
     ObjectWriter openForWrite(Handle handle, bool evenIfLocked = false);
+    // True for an entity on a locked layer (what openForWrite refuses), read without copying its tags.
+    bool isOnLockedLayer(Handle entity) const;
     // Replaces an object's tags whole (what ObjectWriter::close does).
     OpenStatus replace(Handle handle, const TagList& tags);
     // The owner link: the first 330 outside application groups (entities: their block record).
@@ -236,6 +238,7 @@ private:
     std::string nameOf(std::uint32_t slot) const;
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;
+    bool layerLocked(std::string_view layer) const;
     void identifySubEntities(TagList& tags, Handle owner);
     void notifyAppended(Handle handle);
     void notifyErased(Handle handle, bool erased);

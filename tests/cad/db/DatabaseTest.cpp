@@ -81,6 +81,9 @@ TEST(DatabaseObjects, OpenModesTellMissingErasedAndLockedApart) {
 
     EXPECT_EQ(db.openForWrite(*onLocked).status(), OpenStatus::OnLockedLayer);
     EXPECT_EQ(db.openForWrite(*onLocked, true).status(), OpenStatus::Ok);
+    EXPECT_TRUE(db.isOnLockedLayer(*onLocked));
+    EXPECT_FALSE(db.isOnLockedLayer(*free));
+    EXPECT_FALSE(db.isOnLockedLayer(*layer));  // a record lies on no layer
     TagList tags;
     EXPECT_EQ(db.read(*onLocked, tags), OpenStatus::Ok);  // reading is allowed on a locked layer
     EXPECT_EQ(db.read(0xFFFFFF, tags), OpenStatus::NotFound);
