@@ -150,11 +150,14 @@ void Database::decodeSlot(const Slot& slot, TagList& out) const {
     for (std::uint32_t i = slot.begin; i < slot.begin + slot.size; ++i) out.add(file_->code(i), file_->text(i));
 }
 
+void Database::openCursor(const Slot& slot, TagCursor& cursor) const {
+    if (slot.flags & kOwned) cursor.overBlob(arena_.at(slot.begin, slot.size));
+    else cursor.overFile(*file_, slot.begin, slot.begin + slot.size);
+}
+
 std::string Database::nameOf(std::uint32_t slot) const {
-    const Slot& s = slots_[slot];
     TagCursor cursor;
-    if (s.flags & kOwned) cursor.overBlob(arena_.at(s.begin, s.size));
-    else cursor.overFile(*file_, s.begin, s.begin + s.size);
+    openCursor(slots_[slot], cursor);
     if (!cursor.next()) return {};
     while (cursor.next())
         if (cursor.code() == gc::kName) return std::string(cursor.value());
@@ -236,9 +239,7 @@ OpenStatus Database::read(Handle handle, TagCursor& cursor) const {
         cursor.overBlob({});
         return result;
     }
-    const Slot& slot = slots_[slotOf(handle)];
-    if (slot.flags & kOwned) cursor.overBlob(arena_.at(slot.begin, slot.size));
-    else cursor.overFile(*file_, slot.begin, slot.begin + slot.size);
+    openCursor(slots_[slotOf(handle)], cursor);
     return OpenStatus::Ok;
 }
 
@@ -660,16 +661,79 @@ Handle Database::namedObjectsDictionary() const {
 
 std::optional<std::string> Database::headerVariable(std::string_view variable) const {
     if (header_ == kNoSlot) return std::nullopt;
-    if (headerValues_.empty()) {
-        // Built on first use: entity factories ask for $CLAYER once per new entity.
-        const Slot& s = slots_[header_];
-        for (std::uint32_t i = s.begin; i + 1 < s.begin + s.size; ++i)
-            if (file_->code(i) == gc::kVariableName) headerValues_.emplace(file_->text(i), file_->text(i + 1));
+    // Built on first use and again after the header changed: entity factories ask for $CLAYER
+    // once per new entity.
+    if (headerValues_.empty() || !(headerValuesOf_ == stateOf(header_))) {
+        headerValues_.clear();
+        TagCursor cursor;
+        openCursor(slots_[header_], cursor);
+        std::string name;
+        bool wantValue = false;
+        while (cursor.next()) {
+            if (cursor.code() == gc::kVariableName) {
+                name = std::string(cursor.value());
+                wantValue = true;
+            } else if (wantValue) {
+                headerValues_.emplace(std::move(name), std::string(cursor.value()));
+                wantValue = false;
+            }
+        }
         headerValues_.emplace("", "");  // marks the map as built
+        headerValuesOf_ = stateOf(header_);
     }
     auto it = headerValues_.find(std::string(variable));
     if (it == headerValues_.end()) return std::nullopt;
     return it->second;
+}
+
+// Same text, or the same number written another way ("1.0" for 1): either leaves the file alone.
+static bool sameValue(int code, std::string_view held, std::string_view wanted) {
+    held = dxf::trimSpaces(held);
+    wanted = dxf::trimSpaces(wanted);
+    if (held == wanted) return true;
+    switch (dxf::valueKindOf(code)) {
+        case dxf::ValueKind::String: case dxf::ValueKind::Binary: return false;
+        case dxf::ValueKind::Real: {
+            auto a = dxf::parseReal(held), b = dxf::parseReal(wanted);
+            return a && b && *a == *b;
+        }
+        default: {
+            auto a = dxf::parseInteger(held), b = dxf::parseInteger(wanted);
+            return a && b && *a == *b;
+        }
+    }
+}
+
+Result<void> Database::setHeaderVariable(std::string_view variable, int code, std::string_view value) {
+    if (variable.size() < 2 || variable[0] != '$') return dxf::makeError("a header variable is named $NAME, not \"" + std::string(variable) + "\"");
+    if (variable == "$HANDSEED") return dxf::makeError("$HANDSEED is kept by the drawing database");
+    if (header_ == kNoSlot) return dxf::makeError(name() + ": the drawing has no HEADER section");
+    dxf::ValueKind kind = dxf::valueKindOf(code);
+    if (kind == dxf::ValueKind::Real ? !dxf::parseReal(value)
+                                     : dxf::isNumericKind(kind) && !dxf::parseInteger(value))
+        return dxf::makeError(std::string(variable) + ": \"" + std::string(value) + "\" is not a value for group code " + std::to_string(code));
+    if (code == gc::kStructure || code == gc::kVariableName) return dxf::makeError(std::string(variable) + ": group code " + std::to_string(code) + " cannot hold a header value");
+
+    TagList tags;
+    decodeSlot(slots_[header_], tags);
+    // The entry's value tags run from its 9 tag to the next 9 or to the ENDSEC.
+    std::size_t at = TagList::npos;
+    for (std::size_t i = 0; i < tags.size(); ++i)
+        if (tags[i].code == gc::kVariableName && dxf::trimSpaces(tags[i].value) == variable) { at = i; break; }
+    if (at != TagList::npos) {
+        std::size_t end = at + 1;
+        while (end < tags.size() && tags[end].code != gc::kVariableName && tags[end].code != gc::kStructure) ++end;
+        if (end == at + 2 && tags[at + 1].code == code && sameValue(code, tags[at + 1].value, value)) return {};
+        tags.erase(at + 1, end - at - 1);
+        tags.insert(at + 1, code, std::string(value));
+    } else {
+        std::size_t end = tags.size();
+        if (end > 0 && tags[end - 1].code == gc::kStructure) --end;  // before the ENDSEC
+        tags.insert(end, gc::kVariableName, std::string(variable));
+        tags.insert(end + 1, code, std::string(value));
+    }
+    storeOwned(header_, tags);
+    return {};
 }
 
 // --- Undo -------------------------------------------------------------------------------------

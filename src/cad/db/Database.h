@@ -169,6 +169,12 @@ public:
     // --- Header ----------------------------------------------------------------------------
     // The value of a header variable with one value tag ($CLAYER, $INSUNITS...).
     std::optional<std::string> headerVariable(std::string_view name) const;
+    // Adds or replaces a header entry with one value ($CLAYER 8, $INSUNITS 70, $LTSCALE 40...); a
+    // new entry goes at the end of the header. Nothing changes when the entry holds that value
+    // already (the same text, or for a number the same number), so an untouched header is saved
+    // as the file had it. Recorded for undo. Fails without a HEADER section, for a name that does
+    // not start with "$", for $HANDSEED (the database keeps it) and for a value its code cannot hold.
+    Result<void> setHeaderVariable(std::string_view name, int code, std::string_view value);
 
     // --- Undo ------------------------------------------------------------------------------
     UndoJournal& journal() { return journal_; }
@@ -230,6 +236,7 @@ private:
     void setState(std::uint32_t slot, UndoJournal::State state);
     UndoJournal::State stateOf(std::uint32_t slot) const;
     void decodeSlot(const Slot& slot, TagList& out) const;
+    void openCursor(const Slot& slot, TagCursor& cursor) const;
     void registerSubHandles(std::uint32_t slot, const TagList& tags);
     int blockIndexOf(Handle block) const;
     Handle blockId(int index) const;
@@ -255,6 +262,7 @@ private:
     std::uint32_t lastAnchor_ = kNoSlot;  // anchored_ lookups repeat: bulk creation adds to one place
     std::vector<std::uint32_t>* lastAnchored_ = nullptr;
     mutable std::unordered_map<std::string, std::string> headerValues_;
+    mutable UndoJournal::State headerValuesOf_;  // the header state the map was built from
     std::vector<BlockEntry> blocks_;
     std::vector<TableEntry> tables_;
     int modelSpace_ = -1, paperSpace_ = -1;

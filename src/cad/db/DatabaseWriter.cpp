@@ -41,7 +41,8 @@ private:
         if (slot.flags & Database::kErased) return;
         if (slot.flags & Database::kOwned) {
             flush();
-            writeOwned(db_.arena_.at(slot.begin, slot.size));
+            if (s == db_.header_ && rewriteSeed_) writeOwned(withSeed(db_.arena_.at(slot.begin, slot.size)));
+            else writeOwned(db_.arena_.at(slot.begin, slot.size));
             return;
         }
         if (s == db_.header_ && rewriteSeed_) {
@@ -93,6 +94,16 @@ private:
             }
         }
         writer_.writeBytes(buffer_);
+    }
+
+    // A changed header with $HANDSEED raised to the seed.
+    std::string withSeed(std::string_view blob) const {
+        TagList tags = TagList::decode(blob);
+        std::size_t at = tags.find(gc::kVariableName, "$HANDSEED");
+        if (at != TagList::npos && at + 1 < tags.size()) tags[at + 1].value = formatHandle(seed_);
+        std::string out;
+        tags.encode(out);
+        return out;
     }
 
     // "%3d", without printf's cost on millions of tags: the codes DXF uses come from a table.
