@@ -104,9 +104,9 @@ int main(int argc, char** argv) {
     std::printf("read back (1 in 1000)    %.3f s  (%zu of %zu checked)\n", readTime, checked, (entities.size() + 999) / 1000);
     std::printf("whole cycle              %.3f s  (processor %.3f s)\n", total, cpuTotal);
     std::printf("memory after creating    %.0f bytes per entity (resident, no file yet)\n", double(peakAfterCreate - baseline) / double(n));
-    std::printf("memory after reloading   %.0f bytes per entity beyond the file's %.0f (index %.0f, tags %.0f)\n",
+    std::printf("memory after reloading   %.0f bytes per entity beyond the file's %.0f (index %.0f)\n",
                 (double(afterLoad) - double(beforeLoad) - double(fileSize)) / double(n), double(fileSize) / double(n),
-                double(db.memoryBeyondFile()) / double(n), double(db.file().size() * 8) / double(n));
+                double(db.memoryBeyondFile()) / double(n));
     std::filesystem::remove(file);
     return checked * 1000 >= entities.size() ? 0 : 1;
 }

@@ -146,8 +146,7 @@ void Database::decodeSlot(const Slot& slot, TagList& out) const {
         return;
     }
     out.clear();
-    out.reserve(slot.size);
-    for (std::uint32_t i = slot.begin; i < slot.begin + slot.size; ++i) out.add(file_->code(i), file_->text(i));
+    for (dxf::TagStream tags(*file_, slot.begin, slot.begin + slot.size); tags.next();) out.add(tags.code(), tags.text());
 }
 
 void Database::openCursor(const Slot& slot, TagCursor& cursor) const {

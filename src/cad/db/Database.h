@@ -1,8 +1,10 @@
 // A drawing in memory, over the DXF file it was read from. Every object (table record, block,
-// entity, object, and the structure between them) is an index entry pointing at its tags in the
-// file; an object that is changed or created gets its tags in a compact owned blob instead. Saving
-// copies unchanged runs as bytes and writes owned objects tag by tag, so a drawing loaded and saved
-// without changes comes back byte for byte, and what the database does not model is kept as it is.
+// entity, object, and the structure between them) is an index entry pointing at its bytes in the
+// file, whose tags are read again when the object is read (the file's tag vector is not kept: it
+// took more memory than the index). An object that is changed or created gets its tags in a compact
+// owned blob instead. Saving copies unchanged runs as bytes and writes owned objects tag by tag, so
+// a drawing loaded and saved without changes comes back byte for byte, and what the database does
+// not model is kept as it is.
 #pragma once
 
 #include "cad/db/DatabaseObserver.h"
@@ -207,8 +209,8 @@ private:
     enum : std::uint8_t { kOwned = 1, kErased = 2, kStructure = 4, kPaperSpace = 8 };
     struct Slot {
         Handle handle = kNoHandle;
-        std::uint32_t begin = 0;  // first tag in the file, or arena offset when owned
-        std::uint32_t size = 0;   // tag count, or blob bytes when owned
+        std::uint32_t begin = 0;  // first byte in the file, or arena offset when owned
+        std::uint32_t size = 0;   // bytes in the file, or blob bytes when owned
         std::uint32_t container = kNoSlot;  // entities: block index; records: table index
         std::uint16_t type = 0;   // index into types_
         std::uint8_t flags = 0;
@@ -267,7 +269,8 @@ private:
     std::vector<TableEntry> tables_;
     int modelSpace_ = -1, paperSpace_ = -1;
     std::uint32_t header_ = kNoSlot;
-    std::uint32_t seedTag_ = kNoSlot;  // file tag holding the $HANDSEED value
+    std::uint32_t seedBegin_ = kNoSlot, seedEnd_ = kNoSlot;  // bytes of the file's $HANDSEED value tag
+    std::uint32_t trailer_ = 0;  // first byte after the file's last tag
     std::uint32_t sectionEnd_[8] = {kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot};
     std::uint32_t rootDictionary_ = kNoSlot;
     Handle nextHandle_ = 1;

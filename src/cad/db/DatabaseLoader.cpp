@@ -113,7 +113,7 @@ private:
             std::size_t j = start + 2;
             while (j < n && !file_.is(j, gc::kStructure, "ENDSEC")) {
                 if (file_.is(j, gc::kVariableName, "$HANDSEED") && j + 1 < n) {
-                    db_.seedTag_ = static_cast<std::uint32_t>(j + 1);
+                    seedTag_ = j + 1;
                     seed_ = parseHandle(file_.raw(j + 1)).value_or(0);
                 }
                 ++j;
@@ -237,8 +237,33 @@ private:
         return static_cast<int>(db_.blocks_.size() - 1);
     }
 
+    // Slots were tag ranges while the tags were at hand; from here on they are byte ranges, and
+    // the tag vector goes (at 8 bytes a tag it was most of the drawing's memory).
+    void toByteRanges() {
+        std::string_view bytes = file_.bytes();
+        auto offset = [&](std::string_view part) { return static_cast<std::uint32_t>(part.data() - bytes.data()); };
+        for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) {
+            Database::Slot& slot = db_.slots_[s];
+            if (slot.size == 0) {
+                slot.begin = 0;
+                continue;
+            }
+            std::string_view span = file_.span(slot.begin, slot.begin + slot.size);
+            slot.begin = offset(span);
+            slot.size = static_cast<std::uint32_t>(span.size());
+        }
+        if (seedTag_ < file_.size()) {
+            std::string_view span = file_.span(seedTag_, seedTag_ + 1);
+            db_.seedBegin_ = offset(span);
+            db_.seedEnd_ = offset(span) + static_cast<std::uint32_t>(span.size());
+        }
+        db_.trailer_ = static_cast<std::uint32_t>(bytes.size() - file_.trailer().size());
+        db_.file_->releaseTags();
+    }
+
     void finish() {
         db_.fileSlots_ = static_cast<std::uint32_t>(db_.slots_.size());
+        toByteRanges();
         db_.r12_ = file_.version() <= std::string("AC1009");
         db_.modelSpace_ = spaceBlock("*Model_Space", "$MODEL_SPACE", false);
         db_.paperSpace_ = spaceBlock("*Paper_Space", "$PAPER_SPACE", true);
@@ -284,6 +309,7 @@ private:
     Database& db_;
     const dxf::TagFile& file_;
     std::vector<std::uint32_t> entitySlots_;
+    std::size_t seedTag_ = static_cast<std::size_t>(-1);  // the tag holding the $HANDSEED value
     Handle maxHandle_ = 0;
     Handle seed_ = 0;
 };

@@ -18,7 +18,7 @@ public:
 
     Result<void> run() {
         Handle seed = db_.nextHandle_ > db_.fileSeed_ ? db_.nextHandle_ : db_.minSeed_;
-        rewriteSeed_ = db_.seedTag_ != Database::kNoSlot && seed > db_.headerSeed_;
+        rewriteSeed_ = db_.seedBegin_ != Database::kNoSlot && seed > db_.headerSeed_;
         seed_ = seed;
         writer_.begin();
         for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) emit(s);
@@ -28,7 +28,7 @@ public:
             if (file_.form() == dxf::FileForm::Ascii && !bytes.empty() && bytes.back() != '\n') writer_.writeBytes(file_.lineEnd());
             writer_.write(gc::kStructure, "EOF");
         } else {
-            writer_.writeBytes(file_.trailer());
+            writer_.writeBytes(file_.bytes().substr(db_.trailer_));
         }
         return writer_.status();
     }
@@ -47,9 +47,9 @@ private:
         }
         if (s == db_.header_ && rewriteSeed_) {
             flush();
-            writer_.copy(file_, slot.begin, db_.seedTag_);
+            writer_.copyBytes(file_, slot.begin, db_.seedBegin_);
             writer_.write(gc::kHandle, formatHandle(seed_));
-            writer_.copy(file_, db_.seedTag_ + 1, slot.begin + slot.size);
+            writer_.copyBytes(file_, db_.seedEnd_, slot.begin + slot.size);
             return;
         }
         if (slot.size == 0) return;
@@ -144,7 +144,7 @@ private:
     }
 
     void flush() {
-        if (runBegin_ != runEnd_) writer_.copy(file_, runBegin_, runEnd_);
+        if (runBegin_ != runEnd_) writer_.copyBytes(file_, runBegin_, runEnd_);
         runBegin_ = runEnd_ = 0;
     }
 

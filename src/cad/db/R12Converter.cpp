@@ -3,6 +3,7 @@
 #include "cad/db/GroupCodes.h"
 #include "cad/db/R12Entity.h"
 #include "cad/dxf/NumberText.h"
+#include "cad/dxf/TagStream.h"
 #include "cad/dxf/TagWriter.h"
 
 #include <unordered_map>
@@ -103,13 +104,20 @@ private:
     }
 
     void copySection(const dxf::TagFile& file, std::string_view name, TagList& out) {
-        for (std::size_t i = 0; i + 1 < file.size(); ++i) {
-            if (!file.is(i, gc::kStructure, "SECTION") || !file.is(i + 1, gc::kName, name)) continue;
-            for (std::size_t j = i; j < file.size(); ++j) {
-                out.add(file.code(j), file.text(j));
-                if (file.is(j, gc::kStructure, "ENDSEC")) break;
+        bool inSection = false, named = false;
+        for (dxf::TagStream tags(file, 0, file.bytes().size()); tags.next();) {
+            std::string_view value = dxf::trimSpaces(tags.raw());
+            if (!inSection) {
+                if (named && tags.code() == gc::kName && value == name) {
+                    inSection = true;
+                    out.add(gc::kStructure, "SECTION");
+                } else {
+                    named = tags.code() == gc::kStructure && value == "SECTION";
+                    continue;
+                }
             }
-            return;
+            out.add(tags.code(), tags.text());
+            if (tags.code() == gc::kStructure && value == "ENDSEC") return;
         }
     }
 
@@ -120,17 +128,17 @@ private:
         out.add(gc::kVariableName, "$ACADVER");
         out.add(1, "AC1032");
         if (old_.header_ != Database::kNoSlot) {
-            const Database::Slot& slot = old_.slots_[old_.header_];
-            const dxf::TagFile& file = old_.file();
+            TagList held;
+            old_.decodeSlot(old_.slots_[old_.header_], held);
             bool skip = false;
-            for (std::size_t i = slot.begin; i < slot.begin + slot.size; ++i) {
-                int code = file.code(i);
-                if (code == gc::kStructure || (i == slot.begin + 1 && code == gc::kName)) continue;
+            for (std::size_t i = 0; i < held.size(); ++i) {
+                int code = held[i].code;
+                if (code == gc::kStructure || (i == 1 && code == gc::kName)) continue;
                 if (code == gc::kVariableName) {
-                    std::string_view name = dxf::trimSpaces(file.raw(i));
+                    std::string_view name = dxf::trimSpaces(held[i].value);
                     skip = name == "$ACADVER" || name == "$HANDSEED" || name == "$HANDLING";
                 }
-                if (!skip) out.add(code, file.text(i));
+                if (!skip) out.add(code, held[i].value);
             }
         }
         out.add(gc::kVariableName, "$HANDSEED");

@@ -1,16 +1,13 @@
 #include "cad/db/TagCursor.h"
 
-#include "cad/dxf/TagFile.h"
-
 #include <cstring>
 
 namespace veltarn::db {
 
-void TagCursor::overFile(const dxf::TagFile& file, std::uint32_t first, std::uint32_t last) {
+void TagCursor::overFile(const dxf::TagFile& file, std::uint32_t begin, std::uint32_t end) {
     file_ = &file;
+    stream_ = dxf::TagStream(file, begin, end);
     blob_ = {};
-    at_ = first;
-    end_ = last;
 }
 
 void TagCursor::overBlob(std::string_view blob) {
@@ -22,19 +19,18 @@ void TagCursor::overBlob(std::string_view blob) {
 
 bool TagCursor::next() {
     if (file_) {
-        if (at_ >= end_) return false;
-        code_ = file_->code(at_);
-        std::string_view raw = file_->raw(at_);
+        if (!stream_.next()) return false;
+        code_ = stream_.code();
+        std::string_view raw = stream_.raw();
         // Plain text values are what text() would give; binary numbers and code-page text are not.
         bool plain = (file_->form() == dxf::FileForm::Ascii || dxf::valueKindOf(code_) == dxf::ValueKind::String) &&
                      !file_->codec().needsDecoding(raw);
         if (plain) {
             value_ = raw;
         } else {
-            scratch_ = file_->text(at_);
+            scratch_ = file_->textOf(code_, raw);
             value_ = scratch_;
         }
-        ++at_;
         return true;
     }
     if (at_ + 4 > end_) return false;

@@ -2,13 +2,11 @@
 // object (owner links, dictionaries, xrecords) would otherwise decode a whole TagList each time.
 #pragma once
 
+#include "cad/dxf/TagStream.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-namespace veltarn::dxf {
-class TagFile;
-}
 
 namespace veltarn::db {
 
@@ -24,12 +22,13 @@ public:
 
 private:
     friend class Database;
-    // Tags [first, last) of a file.
-    void overFile(const dxf::TagFile& file, std::uint32_t first, std::uint32_t last);
+    // The tags in bytes [begin, end) of a file.
+    void overFile(const dxf::TagFile& file, std::uint32_t begin, std::uint32_t end);
     // An owned object's blob (TagList::encode's form).
     void overBlob(std::string_view blob);
 
     const dxf::TagFile* file_ = nullptr;
+    dxf::TagStream stream_;
     std::string_view blob_;
     std::size_t at_ = 0, end_ = 0;
     int code_ = 0;

@@ -223,4 +223,21 @@ std::string TagFile::where(std::size_t i) const {
     return name_ + ":" + std::to_string(lineOf(i));
 }
 
+std::string TagFile::textOf(int tagCode, std::string_view value) const {
+    if (form_ == FileForm::Binary) {
+        switch (valueKindOf(tagCode)) {
+            case ValueKind::String: break;
+            case ValueKind::Real: return formatReal(readLittleEndian<double>(value.data()));
+            case ValueKind::Int16: return std::to_string(readLittleEndian<std::int16_t>(value.data()));
+            case ValueKind::Int32: return std::to_string(readLittleEndian<std::int32_t>(value.data()));
+            case ValueKind::Int64: return std::to_string(readLittleEndian<std::int64_t>(value.data()));
+            case ValueKind::Bool: return std::to_string(static_cast<unsigned char>(value[0]));
+            case ValueKind::Binary: return toHex(value);
+        }
+    }
+    return codec_.needsDecoding(value) ? codec_.decode(value) : std::string(value);
+}
+
+void TagFile::releaseTags() { std::vector<Tag>().swap(tags_); }
+
 }  // namespace veltarn::dxf

@@ -76,6 +76,12 @@ public:
     // Bytes after the final tag (after "0 EOF": some writers pad files); written back unchanged.
     std::string_view trailer() const;
 
+    // text(i) for a tag given by its code and raw value (read with a TagStream).
+    std::string textOf(int code, std::string_view raw) const;
+    // Frees the tag vector once a reader has taken what it needs from it: the bytes, form, version
+    // and codec stay; size() is 0 from then on, so tags are read with a TagStream.
+    void releaseTags();
+
 private:
     friend class AsciiTagScanner;
     friend class BinaryTagScanner;

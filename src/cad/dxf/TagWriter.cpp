@@ -1,6 +1,7 @@
 #include "cad/dxf/TagWriter.h"
 
 #include "cad/dxf/NumberText.h"
+#include "cad/dxf/TagStream.h"
 
 #include <cstring>
 #include <limits>
@@ -161,6 +162,15 @@ Result<void> saveUnchanged(const TagFile& file, const std::filesystem::path& tar
         writeUnchanged(file, writer);
         return writer.status();
     });
+}
+
+void TagWriter::copyBytes(const TagFile& file, std::size_t begin, std::size_t end) {
+    if (begin >= end) return;
+    if (sameFormatAs(file)) {
+        sink_.write(file.bytes().substr(begin, end - begin));
+        return;
+    }
+    for (TagStream tags(file, begin, end); tags.next();) write(tags.code(), tags.text());
 }
 
 }  // namespace veltarn::dxf

@@ -32,6 +32,8 @@ public:
     // Tags [first, last) of `file`: copied as bytes when the file has this writer's format,
     // otherwise converted tag by tag.
     void copy(const TagFile& file, std::size_t first, std::size_t last);
+    // The same for the tags in bytes [begin, end) of `file` (a TagStream's range).
+    void copyBytes(const TagFile& file, std::size_t begin, std::size_t end);
 
     // One tag from its value text as ASCII DXF writes it (numbers in decimal, binary chunks in
     // hexadecimal, texts in UTF-8). A value that does not fit its group code is an error. In
