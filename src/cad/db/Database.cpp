@@ -1,6 +1,7 @@
 #include "cad/db/Database.h"
 
 #include "cad/db/GroupCodes.h"
+#include "cad/db/ObjectIdentity.h"
 #include "cad/db/NewDrawing.h"
 #include "cad/db/R12Converter.h"
 #include "cad/dxf/NumberText.h"
@@ -396,22 +397,6 @@ Handle Database::blockOf(Handle entity) const {
     std::string_view type = types_[s.type];
     if (type == "BLOCK" || type == "ENDBLK") return kNoHandle;
     return blockId(static_cast<int>(s.container));
-}
-
-// Puts the handle right after the type and, in 2000+ drawings, the owner after the handle and any
-// application groups that follow it.
-static void setIdentity(TagList& tags, Handle handle, int handleCode, Handle owner, bool withOwner) {
-    if (tags.size() > 1 && (tags[1].code == gc::kHandle || tags[1].code == gc::kDimStyleHandle)) tags[1].value = formatHandle(handle);
-    else tags.insert(1, handleCode, formatHandle(handle));
-    if (!withOwner) return;
-    std::size_t at = 2;
-    while (at < tags.size() && tags[at].code == gc::kControlString) {
-        std::size_t close = tags.find(gc::kControlString, kGroupEnd, at + 1);
-        if (close == TagList::npos) break;
-        at = close + 1;
-    }
-    if (at < tags.size() && tags[at].code == gc::kSoftPointer) tags[at].value = formatHandle(owner);
-    else tags.insert(at, gc::kSoftPointer, formatHandle(owner));
 }
 
 // The VERTEX, ATTRIB and SEQEND entities that travel with a POLYLINE or INSERT: each gets a handle

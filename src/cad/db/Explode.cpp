@@ -4,6 +4,7 @@
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/ObjectIdentity.h"
 #include "cad/db/Transform.h"
 #include "cad/dxf/NumberText.h"
 
@@ -408,31 +409,6 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
     return {};
 }
 
-// The entity's tags as a piece: no handle, owner, application groups or space of its own.
-TagList asPiece(TagList tags) {
-    std::size_t end = ownEnd(tags);
-    std::size_t marker = tags.find(gc::kSubclass, 1, end);
-    std::size_t last = marker == TagList::npos ? end : marker;
-    for (std::size_t i = 1; i < last;) {
-        int code = tags[i].code;
-        if (code == gc::kControlString) {
-            std::size_t close = tags.find(gc::kControlString, kGroupEnd, i + 1, last);
-            std::size_t count = (close == TagList::npos ? i : close) - i + 1;
-            tags.erase(i, count);
-            last -= count;
-        } else if (code == gc::kHandle || code == gc::kSoftPointer) {
-            tags.erase(i);
-            --last;
-        } else {
-            ++i;
-        }
-    }
-    end = ownEnd(tags);
-    tags.removeAll(gc::kPaperSpace, 1, end);
-    tags.removeAll(410, 1, ownEnd(tags));  // the layout name
-    return tags;
-}
-
 Result<std::vector<TagList>> explodeInsert(const Database& db, const TagList& tags) {
     std::size_t end = ownEnd(tags);
     std::string name(dxf::trimSpaces(tags.text(gc::kName, 1, end).value_or("")));
@@ -451,7 +427,7 @@ Result<std::vector<TagList>> explodeInsert(const Database& db, const TagList& ta
 
     std::vector<TagList> out;
     for (Handle entity : db.entitiesOf(block)) {
-        TagList piece = asPiece(db.tags(entity));
+        TagList piece = detached(db.tags(entity));
         if (piece.type() == "ATTDEF") {
             // The value of a variable attribute is the reference's ATTRIB (below); a constant one
             // has no ATTRIB, so its text is kept as the block shows it. Invisible ones show nothing.
@@ -471,7 +447,7 @@ Result<std::vector<TagList>> explodeInsert(const Database& db, const TagList& ta
         if (next == TagList::npos) next = tags.size();
         TagList attribute;
         for (std::size_t j = i; j < next; ++j) attribute.add(tags[j].code, tags[j].value);
-        attribute = asPiece(std::move(attribute));
+        attribute = detached(std::move(attribute));
         auto [bodyFrom, bodyTo] = attribute.hasMarkers() ? attribute.subclass("AcDbAttribute") : attribute.subclass("");
         if (attribute.integer(gc::kFlags, bodyFrom, bodyTo).value_or(0) & kAttributeInvisible) continue;
         out.push_back(textOf(attribute, 0, attribute.size()));
@@ -487,7 +463,7 @@ Result<std::vector<TagList>> explodeDimension(const Database& db, const TagList&
     if (block == kNoHandle) return fail("cannot explode a dimension that has no block");
     // A dimension's block is drawn in place: its entities are already where the dimension shows them.
     std::vector<TagList> out;
-    for (Handle entity : db.entitiesOf(block)) out.push_back(asPiece(db.tags(entity)));
+    for (Handle entity : db.entitiesOf(block)) out.push_back(detached(db.tags(entity)));
     return out;
 }
 

@@ -1,6 +1,7 @@
 #include "cad/db/R12Entity.h"
 
 #include "cad/db/GroupCodes.h"
+#include "cad/db/ObjectIdentity.h"
 #include "cad/dxf/NumberText.h"
 
 #include <string_view>
@@ -130,27 +131,15 @@ std::string_view convertOne(const TagList& tags, std::size_t from, std::size_t t
     return subclasses.empty() ? std::string_view() : subclasses.front().marker;
 }
 
-// Sets the handle (right after the type) and the owner (after the handle and application groups)
-// of tags already in 2000+ form.
-TagList withIdentity(TagList tags, Handle handle, Handle owner) {
-    if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(handle);
-    else tags.insert(1, gc::kHandle, formatHandle(handle));
-    std::size_t at = 2;
-    while (at < tags.size() && tags[at].code == gc::kControlString) {
-        std::size_t close = tags.find(gc::kControlString, kGroupEnd, at + 1);
-        if (close == TagList::npos) break;
-        at = close + 1;
-    }
-    if (at < tags.size() && tags[at].code == gc::kSoftPointer) tags[at].value = formatHandle(owner);
-    else tags.insert(at, gc::kSoftPointer, formatHandle(owner));
-    return tags;
-}
-
 }  // namespace
 
 TagList modernEntity(const TagList& tags, Handle handle, Handle owner, const std::function<Handle(Handle)>& subHandle) {
     if (tags.empty()) return tags;
-    if (tags.hasMarkers()) return withIdentity(tags, handle, owner);
+    if (tags.hasMarkers()) {
+        TagList out = tags;
+        setIdentity(out, handle, gc::kHandle, owner, true);
+        return out;
+    }
     TagList out;
     out.reserve(tags.size() + 8);
     std::size_t end = tags.find(gc::kStructure, 1);

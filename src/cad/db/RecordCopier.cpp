@@ -2,6 +2,7 @@
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/ObjectIdentity.h"
 #include "cad/db/SymbolTables.h"
 #include "cad/dxf/NumberText.h"
 
@@ -41,34 +42,6 @@ bool isPointer(int code) {
 
 bool isLayoutBlock(std::string_view name) {
     return name.size() >= 12 && (sameName(name.substr(0, 12), "*Paper_Space") || sameName(name, "*Model_Space"));
-}
-
-// An object's tags without what ties them to their drawing: handle, owner, application groups
-// (reactors, extension dictionary) and the space flags of entities.
-TagList detached(TagList tags) {
-    std::size_t end = tags.find(gc::kStructure, 1);
-    if (end == TagList::npos) end = tags.size();
-    std::size_t marker = tags.find(gc::kSubclass, 1, end);
-    std::size_t last = marker == TagList::npos ? end : marker;
-    for (std::size_t i = 1; i < last;) {
-        int code = tags[i].code;
-        if (code == gc::kControlString) {
-            std::size_t close = tags.find(gc::kControlString, kGroupEnd, i + 1, last);
-            std::size_t count = (close == TagList::npos ? i : close) - i + 1;
-            tags.erase(i, count);
-            last -= count;
-        } else if (code == gc::kHandle || code == gc::kDimStyleHandle || code == gc::kSoftPointer) {
-            tags.erase(i);
-            --last;
-        } else {
-            ++i;
-        }
-    }
-    end = tags.find(gc::kStructure, 1);
-    tags.removeAll(gc::kPaperSpace, 1, end);
-    end = tags.find(gc::kStructure, 1);
-    tags.removeAll(410, 1, end);
-    return tags;
 }
 
 class Copier {
