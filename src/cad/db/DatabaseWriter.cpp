@@ -67,21 +67,9 @@ private:
         bool utf8 = format.codec.isUtf8();
         buffer_.clear();
         std::size_t at = 0;
-        while (at + 4 <= blob.size()) {
-            std::int16_t code;
-            std::uint16_t shortLength;
-            std::memcpy(&code, blob.data() + at, 2);
-            std::memcpy(&shortLength, blob.data() + at + 2, 2);
-            at += 4;
-            std::size_t length = shortLength;
-            if (shortLength == 0xFFFF) {
-                std::uint32_t longLength;
-                std::memcpy(&longLength, blob.data() + at, 4);
-                length = longLength;
-                at += 4;
-            }
-            std::string_view value = blob.substr(at, length);
-            at += length;
+        int code;
+        std::string_view value;
+        while (TagList::decodeTag(blob, at, code, value)) {
             if (ascii && plain(value, utf8)) {
                 appendCode(buffer_, code);
                 buffer_.append(format.lineEnd);

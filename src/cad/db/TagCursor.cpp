@@ -1,6 +1,6 @@
 #include "cad/db/TagCursor.h"
 
-#include <cstring>
+#include "cad/db/TagList.h"
 
 namespace veltarn::db {
 
@@ -14,7 +14,6 @@ void TagCursor::overBlob(std::string_view blob) {
     file_ = nullptr;
     blob_ = blob;
     at_ = 0;
-    end_ = blob.size();
 }
 
 bool TagCursor::next() {
@@ -33,23 +32,7 @@ bool TagCursor::next() {
         }
         return true;
     }
-    if (at_ + 4 > end_) return false;
-    std::int16_t code;
-    std::uint16_t shortLength;
-    std::memcpy(&code, blob_.data() + at_, 2);
-    std::memcpy(&shortLength, blob_.data() + at_ + 2, 2);
-    at_ += 4;
-    std::size_t length = shortLength;
-    if (shortLength == 0xFFFF) {
-        std::uint32_t longLength;
-        std::memcpy(&longLength, blob_.data() + at_, 4);
-        length = longLength;
-        at_ += 4;
-    }
-    code_ = code;
-    value_ = blob_.substr(at_, length);
-    at_ += length;
-    return true;
+    return TagList::decodeTag(blob_, at_, code_, value_);
 }
 
 }  // namespace veltarn::db

@@ -30,7 +30,7 @@ private:
     const dxf::TagFile* file_ = nullptr;
     dxf::TagStream stream_;
     std::string_view blob_;
-    std::size_t at_ = 0, end_ = 0;
+    std::size_t at_ = 0;  // in the blob
     int code_ = 0;
     std::string_view value_;
     std::string scratch_;  // a value that had to be decoded

@@ -185,41 +185,36 @@ void TagList::encode(std::string& out) const {
     for (const TagValue& tag : tags_) encodeTag(out, tag.code, tag.value);
 }
 
+bool TagList::decodeTag(std::string_view blob, std::size_t& at, int& code, std::string_view& value) {
+    if (at + 4 > blob.size()) return false;
+    std::int16_t shortCode;
+    std::uint16_t shortLength;
+    std::memcpy(&shortCode, blob.data() + at, 2);
+    std::memcpy(&shortLength, blob.data() + at + 2, 2);
+    at += 4;
+    std::size_t length = shortLength;
+    if (shortLength == 0xFFFF) {
+        std::uint32_t longLength;
+        std::memcpy(&longLength, blob.data() + at, 4);
+        length = longLength;
+        at += 4;
+    }
+    code = shortCode;
+    value = blob.substr(at, length);
+    at += length;
+    return true;
+}
+
 TagList TagList::decode(std::string_view blob) {
     TagList list;
+    int code;
+    std::string_view value;
     // Counted first: growing the vector tag by tag cost more than the decoding itself.
     std::size_t count = 0;
-    for (std::size_t at = 0; at + 4 <= blob.size(); ++count) {
-        std::uint16_t shortLength;
-        std::memcpy(&shortLength, blob.data() + at + 2, 2);
-        at += 4;
-        std::size_t length = shortLength;
-        if (shortLength == 0xFFFF) {
-            std::uint32_t longLength;
-            std::memcpy(&longLength, blob.data() + at, 4);
-            length = longLength;
-            at += 4;
-        }
-        at += length;
-    }
+    for (std::size_t at = 0; decodeTag(blob, at, code, value);) ++count;
     list.tags_.reserve(count);
-    std::size_t at = 0;
-    while (at + 4 <= blob.size()) {
-        std::int16_t code;
-        std::uint16_t shortLength;
-        std::memcpy(&code, blob.data() + at, 2);
-        std::memcpy(&shortLength, blob.data() + at + 2, 2);
-        at += 4;
-        std::size_t length = shortLength;
-        if (shortLength == 0xFFFF) {
-            std::uint32_t longLength;
-            std::memcpy(&longLength, blob.data() + at, 4);
-            length = longLength;
-            at += 4;
-        }
-        list.tags_.push_back({code, std::string(blob.substr(at, length))});
-        at += length;
-    }
+    for (std::size_t at = 0; decodeTag(blob, at, code, value);)
+        list.tags_.push_back({static_cast<std::int16_t>(code), std::string(value)});
     return list;
 }
 

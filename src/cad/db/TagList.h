@@ -84,6 +84,8 @@ public:
     // One tag in that form, for building blobs without a TagList.
     static void encodeTag(std::string& out, int code, std::string_view value);
     static TagList decode(std::string_view blob);
+    // Reads the tag at `at` of such a blob and steps past it; false at the end.
+    static bool decodeTag(std::string_view blob, std::size_t& at, int& code, std::string_view& value);
 
 private:
     std::vector<TagValue> tags_;
