@@ -158,6 +158,12 @@ int save(seam::WorkbenchHost& workbench, const std::string& path) {
     seam::WorkbenchDatabase* current = workbench.currentDrawing();
     if (!current) return fail(app::kExitFileError, "no drawing is open to save");
     if (auto saved = current->raw().save(path); !saved) return fail(app::kExitFileError, saved.message());
+    // Information, not an error: it goes with the transcript.
+    if (auto notice = current->raw().saveNotice(); !notice.empty()) {
+        notice += "\n";
+        std::fwrite(notice.data(), 1, notice.size(), stdout);
+        std::fflush(stdout);
+    }
     return app::kExitOk;
 }
 

@@ -20,6 +20,8 @@ bool saveTo(HostSession& session, const std::wstring& path) {
         session.host.editor().print(L"Error: " + seam::wide(saved.message()) + L"\n");
         return false;
     }
+    // An R12 drawing given object data or draw order was saved as 2018: the user should know.
+    if (auto notice = drawing->raw().saveNotice(); !notice.empty()) session.host.editor().print(seam::wide(notice) + L"\n");
     drawing->setPath(file);
     drawing->setModified(false);
     return true;

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "cad/db/Dictionary.h"
+#include "cad/db/DrawOrder.h"
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/GroupCodes.h"
 
@@ -49,7 +50,7 @@ std::vector<db::Handle> drawOrder(const db::Database& db, db::Handle block) {
 }
 
 bool orderAmongThemselves(db::Database& db, db::Handle block, const std::vector<db::Handle>& entities) {
-    if (db.isR12() || db.findBlock(db.blockName(block)) != block) return false;
+    if (db.findBlock(db.blockName(block)) != block) return false;
     std::vector<db::Handle> unique;
     std::unordered_set<db::Handle> seen;
     for (db::Handle h : entities) {
@@ -58,18 +59,10 @@ bool orderAmongThemselves(db::Database& db, db::Handle block, const std::vector<
     }
     if (unique.size() < 2) return true;
 
-    db::Handle table = sortentsTable(db, block);
-    if (table == db::kNoHandle) {
-        auto dictionary = db::createExtensionDictionary(db, block);
-        if (!dictionary) return false;
-        db::TagList tags{{db::gc::kStructure, "SORTENTSTABLE"}};
-        tags.add(db::gc::kSoftPointer, db::formatHandle(*dictionary));
-        tags.add(db::gc::kSubclass, kSortentsMarker);
-        tags.add(db::gc::kSoftPointer, db::formatHandle(block));
-        auto made = db.addObject(std::move(tags));
-        if (!made || !db::setEntry(db, *dictionary, kSortentsKey, *made)) return false;
-        table = *made;
-    }
+    // Made on first use; an R12 drawing becomes a 2018 one here, as it cannot hold the table.
+    auto made = db::sortentsTable(db, block, true);
+    if (!made || *made == db::kNoHandle) return false;
+    const db::Handle table = *made;
 
     auto sorted = sortHandles(db, table);
     auto key = [&](db::Handle h) {

@@ -163,6 +163,20 @@ TEST_F(WorkbenchDatabaseTest, DrawOrderExchangesThePlacesOfTheGivenEntitiesOnly)
     EXPECT_FALSE(drawing.setRelativeDrawOrder(drawing.modelSpace(), {a, drawing.namedObjectsDictionary()}));
 }
 
+TEST(WorkbenchDrawOrder, AnR12DrawingBecomesA2018OneToHoldTheOrder) {
+    auto parsed = db::Database::parse("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n"
+                                      "0\nSECTION\n2\nENTITIES\n0\nLINE\n5\n20\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                                      "0\nLINE\n5\n21\n8\n0\n10\n0\n20\n0\n11\n2\n21\n2\n0\nENDSEC\n0\nEOF\n",
+                                      "r12.dxf");
+    ASSERT_TRUE(parsed.ok()) << parsed.message();
+    WorkbenchDatabase drawing(std::move(*parsed));
+    const ObjectId a{0x20}, b{0x21};
+    ASSERT_TRUE(drawing.setRelativeDrawOrder(drawing.modelSpace(), {b, a}));
+    EXPECT_FALSE(drawing.raw().isR12());
+    EXPECT_EQ(drawOrder(drawing.raw(), drawing.raw().modelSpace()), (std::vector<db::Handle>{b.handle, a.handle}));
+    EXPECT_FALSE(drawing.raw().saveNotice().empty());
+}
+
 TEST_F(WorkbenchDatabaseTest, SymbolTablesAndLayerStates) {
     addLayer("Roads", db::kLayerFrozen);
     EXPECT_TRUE(drawing.hasSymbol(host::SymbolTable::kLayer, L"roads"));
