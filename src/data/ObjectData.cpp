@@ -84,36 +84,56 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     if (!tables) return kOdNoData;
 
     entries_ = dictionary->entries();
-    while (standsOnEntry() && !tables->has(currentKey())) ++position_;
+    host::ObjectId definition;
+    while (standsOnEntry() && !(definition = tables->find(currentKey()))) ++position_;
     if (!standsOnEntry()) {
         entries_.clear();
         return kOdNoData;
     }
-    if (filter_) {
+    if (filter_ && currentKey() != *filter_) {
         while (standsOnEntry() && currentKey() != *filter_) ++position_;
-        if (!standsOnEntry()) end_ = true;
+        if (standsOnEntry()) definition = tables->find(currentKey());
+        else end_ = true;
     }
     if (standsOnEntry()) {
         records_ = entries_[position_].second;
-        definition_ = tables->find(currentKey());
+        definition_ = definition;
     }
     return kOdOk;
+}
+
+const std::vector<std::wstring>* ObjectData::fieldNames(host::ObjectId id) {
+    for (auto it = definitions_.rbegin(); it != definitions_.rend(); ++it)
+        if (it->id == id) return &it->names;
+    auto xrecord = db_.openXrecord(id, OpenMode::kRead);
+    if (!xrecord) return nullptr;
+    const host::ResultBuffer definition = xrecord->data();
+    // Field names are the first of each (name, value) pair of the definition.
+    Definition read{id, {}};
+    read.names.reserve(definition.size() / 2);
+    for (std::size_t i = 0; i + 1 < definition.size(); i += 2) read.names.push_back(definition[i].text());
+    constexpr std::size_t kKept = 16;
+    if (definitions_.size() == kKept) definitions_.erase(definitions_.begin());
+    definitions_.push_back(std::move(read));
+    return &definitions_.back().names;
 }
 
 int ObjectData::read(ObjectDataRecord& record) {
     if (!standsOnEntry()) return kOdCannotRead;
     if (!db_.openDictionary(extensionDictionary_, OpenMode::kRead)) return kOdCannotRead;
-    record.clear();
-    // Field names are the first of each (name, value) pair of the definition.
-    host::ResultBuffer definition;
-    {
-        auto xrecord = db_.openXrecord(definition_, OpenMode::kRead);
-        if (!xrecord) return kOdCannotRead;
-        definition = xrecord->data();
+    const std::vector<std::wstring>* names = fieldNames(definition_);
+    if (!names) {
+        record.clear();
+        return kOdCannotRead;
     }
+    // The record's strings are reused from the last read: names are assigned only when they differ.
     record.table = currentKey();
-    record.fields.resize(definition.size() / 2);
-    for (std::size_t i = 0; i < record.fields.size(); ++i) record.fields[i].setName(definition[2 * i].text());
+    record.fields.resize(names->size());
+    for (std::size_t i = 0; i < names->size(); ++i) {
+        FieldValue& field = record.fields[i];
+        if (field.name() != (*names)[i]) field.setName((*names)[i]);
+        field.clear();
+    }
     fieldCount_ = static_cast<std::int32_t>(record.fields.size());
 
     auto xrecord = db_.openXrecord(records_, OpenMode::kRead);

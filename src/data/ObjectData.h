@@ -76,6 +76,10 @@ public:
                       std::span<const FieldType> fieldTypes = {});
 
 private:
+    // The field names of the definition `id`, read once per cursor: definitions are never
+    // rewritten (a table is defined once), and reading one per record doubled the cost of a read.
+    const std::vector<std::wstring>* fieldNames(host::ObjectId id);
+
     bool standsOnEntry() const { return position_ < entries_.size(); }
     const std::wstring& currentKey() const { return entries_[position_].first; }
 
@@ -91,6 +95,11 @@ private:
     std::int32_t fieldCount_ = 0;
     bool end_ = false;
     std::optional<std::wstring> filter_;
+    struct Definition {
+        host::ObjectId id;
+        std::vector<std::wstring> names;
+    };
+    std::vector<Definition> definitions_;  // a few tables at most, most recent last
 };
 
 }  // namespace veltarn

@@ -83,49 +83,43 @@ std::wstring WorkbenchDatabase::fileName() const {
 
 // --- open bookkeeping ---------------------------------------------------------------------------
 
-bool WorkbenchDatabase::onLockedLayer(db::Handle handle) const {
-    if (!db::isEntity(db_, handle)) return false;
-    auto layer = db::readLayer(db_, db::commonProperties(db_.tags(handle)).layer);
-    return layer && layer->locked();
-}
+bool WorkbenchDatabase::onLockedLayer(db::Handle handle) const { return db_.isOnLockedLayer(handle); }
 
 std::unique_ptr<host::DbObject> WorkbenchDatabase::openObject(host::ObjectId id, host::OpenMode mode) {
     if (db_.status(id.handle) != db::OpenStatus::Ok) return nullptr;
-    OpenCounts& counts = opens_[id.handle];
-    if (counts.writer || (mode == host::OpenMode::kWrite && counts.readers > 0)) return nullptr;
-    if (mode == host::OpenMode::kWrite && onLockedLayer(id.handle)) return nullptr;
-    if (mode == host::OpenMode::kWrite) counts.writer = true;
+    const bool write = mode == host::OpenMode::kWrite;
+    if (const OpenTable::Counts* counts = opens_.find(id.handle); counts && (counts->writer || (write && counts->readers > 0)))
+        return nullptr;
+    if (write && onLockedLayer(id.handle)) return nullptr;
+    OpenTable::Counts& counts = opens_.add(id.handle);
+    if (write) counts.writer = true;
     else ++counts.readers;
     return makeObject(*this, id.handle, mode);
 }
 
 bool WorkbenchDatabase::tryUpgrade(db::Handle handle) {
-    OpenCounts& counts = opens_[handle];
-    if (counts.writer || counts.readers != 1 || onLockedLayer(handle)) return false;
-    counts.readers = 0;
-    counts.writer = true;
+    OpenTable::Counts* counts = opens_.find(handle);
+    if (!counts || counts->writer || counts->readers != 1 || onLockedLayer(handle)) return false;
+    counts->readers = 0;
+    counts->writer = true;
     return true;
 }
 
 void WorkbenchDatabase::downgrade(db::Handle handle) {
-    OpenCounts& counts = opens_[handle];
+    OpenTable::Counts& counts = opens_.add(handle);
     counts.writer = false;
     counts.readers = 1;
 }
 
 void WorkbenchDatabase::release(db::Handle handle, host::OpenMode mode) {
-    auto it = opens_.find(handle);
-    if (it == opens_.end()) return;
-    if (mode == host::OpenMode::kWrite) it->second.writer = false;
-    else if (it->second.readers > 0) --it->second.readers;
-    if (!it->second.writer && it->second.readers == 0) opens_.erase(it);
+    OpenTable::Counts* counts = opens_.find(handle);
+    if (!counts) return;
+    if (mode == host::OpenMode::kWrite) counts->writer = false;
+    else if (counts->readers > 0) --counts->readers;
+    opens_.dropIfClosed(handle);
 }
 
-std::size_t WorkbenchDatabase::openCount() const {
-    std::size_t count = 0;
-    for (const auto& [handle, counts] : opens_) count += static_cast<std::size_t>(counts.readers) + (counts.writer ? 1 : 0);
-    return count;
-}
+std::size_t WorkbenchDatabase::openCount() const { return opens_.openCount(); }
 
 // --- changes and reactors -------------------------------------------------------------------------
 

@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "cad/db/Database.h"
 #include "cad/db/DatabaseObserver.h"
+#include "cad/seam/OpenTable.h"
 #include "host/Database.h"
 #include "host/SystemVariables.h"
 
@@ -79,10 +79,6 @@ public:
     void removeReactor(host::DatabaseReactor* reactor) override;
 
 private:
-    struct OpenCounts {
-        int readers = 0;
-        bool writer = false;
-    };
     // Relays the database's notifications to the reactors.
     class Relay : public db::DatabaseObserver {
     public:
@@ -100,7 +96,7 @@ private:
     std::filesystem::path path_;
     const host::SystemVariables* settings_ = nullptr;
     std::function<std::wstring()> supportPath_;
-    std::unordered_map<db::Handle, OpenCounts> opens_;
+    OpenTable opens_;
     std::vector<host::DatabaseReactor*> reactors_;
     Relay relay_{*this};
     bool modified_ = false;
