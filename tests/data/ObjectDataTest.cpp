@@ -335,6 +335,30 @@ TEST_F(Writing, appendStoresWholeRealsAndUpdateKeepsTheFraction) {
                   L"ROADS: NAME=Character:Main; LANES=Integer:2; WIDTH=Real:2.75; AXIS=Point:1.000000,3.000000,3.000000;"});
 }
 
+TEST_F(Writing, oneCursorAndRecordReusedOverTablesOfDifferentShapes) {
+    ObjectDataRecord pipes{L"", {FieldValue(L"DIAMETER"), FieldValue(L"NAME")}};
+    pipes.fields[0].setReal(0);
+    pipes.fields[1].setText(L"");
+    ASSERT_EQ(createTableDefinition(db(), L"PIPES", pipes), kOdOk);
+    ObjectId road = drawing_->addLine(), pipe = drawing_->addLine();
+    ASSERT_EQ(ObjectData::append(db(), road, Writing::road(L"Main", 2, 7, {1, 2, 3}), kRoadTypes), kOdOk);
+    ASSERT_EQ(ObjectData::append(db(), pipe, {L"PIPES", {FieldValue::fromReal(3)}}), kOdOk);
+
+    // The second value of the pipe is missing: it must read as None, not as the road's name.
+    ObjectData cursor(db());
+    ObjectDataRecord record;
+    std::vector<std::wstring> seen;
+    for (ObjectId id : {road, pipe, road}) {
+        ASSERT_EQ(cursor.open(id), kOdOk);
+        ASSERT_EQ(cursor.read(record), kOdOk);
+        seen.push_back(describe(record));
+    }
+    EXPECT_EQ(seen, (std::vector<std::wstring>{
+                        L"ROADS: NAME=Character:Main; LANES=Integer:2; WIDTH=Real:7.0; AXIS=Point:1.000000,2.000000,3.000000;",
+                        L"PIPES: DIAMETER=Real:3.0; NAME=Unknown:;",
+                        L"ROADS: NAME=Character:Main; LANES=Integer:2; WIDTH=Real:7.0; AXIS=Point:1.000000,2.000000,3.000000;"}));
+}
+
 TEST_F(Writing, appendConvertsEachValueToItsFieldType) {
     ObjectId line = drawing_->addLine();
     ObjectDataRecord record{L"ROADS", {FieldValue::fromReal(2.5), FieldValue::fromText(L"12abc"),

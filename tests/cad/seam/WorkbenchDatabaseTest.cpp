@@ -163,6 +163,25 @@ TEST_F(WorkbenchDatabaseTest, DrawOrderExchangesThePlacesOfTheGivenEntitiesOnly)
     EXPECT_FALSE(drawing.setRelativeDrawOrder(drawing.modelSpace(), {a, drawing.namedObjectsDictionary()}));
 }
 
+TEST_F(WorkbenchDatabaseTest, ManyObjectsHeldOpenKeepTheirOwnReadersAndWriters) {
+    // Past a few dozen open objects the open table is indexed, and shrinks back as they close.
+    std::vector<ObjectId> lines;
+    for (int i = 0; i < 100; ++i) lines.push_back(addLine());
+    std::vector<std::unique_ptr<host::DbObject>> held;
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        held.push_back(drawing.openObject(lines[i], i % 2 ? OpenMode::kWrite : OpenMode::kRead));
+    EXPECT_EQ(drawing.openCount(), 100u);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(drawing.openObject(lines[i], OpenMode::kWrite), nullptr) << i;
+        EXPECT_EQ(drawing.openObject(lines[i], OpenMode::kRead) != nullptr, i % 2 == 0) << i;
+    }
+    for (std::size_t i = 0; i < lines.size(); i += 3) held[i].reset();
+    for (std::size_t i = 0; i < lines.size(); i += 3) EXPECT_NE(drawing.openObject(lines[i], OpenMode::kWrite), nullptr) << i;
+    held.clear();
+    EXPECT_EQ(drawing.openCount(), 0u);
+    EXPECT_NE(drawing.openObject(lines[1], OpenMode::kWrite), nullptr);
+}
+
 TEST(WorkbenchDrawOrder, AnR12DrawingBecomesA2018OneToHoldTheOrder) {
     auto parsed = db::Database::parse("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n"
                                       "0\nSECTION\n2\nENTITIES\n0\nLINE\n5\n20\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
