@@ -11,6 +11,7 @@
 #include "ProgramOptions.h"
 #include "app/ModuleEntry.h"
 #include "cad/commands/HostSession.h"
+#include "cad/seam/HeaderVariables.h"
 #include "cad/seam/WorkbenchHost.h"
 #include "data/ObjectDataListing.h"
 #include "host/Utf8.h"
@@ -157,6 +158,7 @@ namespace {
 int save(seam::WorkbenchHost& workbench, const std::string& path) {
     seam::WorkbenchDatabase* current = workbench.currentDrawing();
     if (!current) return fail(app::kExitFileError, "no drawing is open to save");
+    seam::writeHeaderVariables(current->raw(), workbench.variables());
     if (auto saved = current->raw().save(path); !saved) return fail(app::kExitFileError, saved.message());
     // Information, not an error: it goes with the transcript.
     if (auto notice = current->raw().saveNotice(); !notice.empty()) {

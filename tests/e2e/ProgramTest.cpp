@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -22,6 +23,13 @@ std::string quote(const std::string& text) {
     std::string quoted = "'";
     for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return quoted + "'";
+}
+
+std::string readAll(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 class Program : public ::testing::Test {
@@ -72,6 +80,27 @@ TEST_F(Program, ReadsStandardInputToItsEndAndSavesWhenAsked) {
     const Outcome reopened = veltarn("made.dxf --command '-LAYER ?\\n\\n'");
     EXPECT_EQ(reopened.exitCode, 0) << reopened.err;
     EXPECT_NE(reopened.out.find("Roads"), std::string::npos) << reopened.out;
+}
+
+TEST_F(Program, SavingGivesChangedSettingsBackToTheHeaderAndLeavesTheRestAsItWas) {
+    ASSERT_EQ(veltarn("--save-as first.dxf").exitCode, 0);
+    ASSERT_EQ(veltarn("first.dxf --save-as again.dxf").exitCode, 0);
+    EXPECT_EQ(readAll(dir_ / "again.dxf"), readAll(dir_ / "first.dxf")) << "an untouched drawing saves byte for byte";
+
+    const Outcome changed = veltarn("first.dxf --command '-LAYER M Pipes\n\nLUPREC\n2\n' --save-as changed.dxf");
+    ASSERT_EQ(changed.exitCode, 0) << changed.err;
+    const Outcome reopened = veltarn("changed.dxf --command 'GETVAR CLAYER\nGETVAR LUPREC\n'");
+    EXPECT_NE(reopened.out.find("CLAYER\n\"Pipes\"\n"), std::string::npos) << reopened.out;
+    EXPECT_NE(reopened.out.find("LUPREC\n2\n"), std::string::npos) << reopened.out;
+    if (std::system("/usr/bin/python3 -c 'import ezdxf' 2>/dev/null") != 0) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is needed";
+    const std::string check = "/usr/bin/python3 -c \"import ezdxf; d = ezdxf.readfile('" + (dir_ / "changed.dxf").string() +
+                              "'); print(d.header['\\$CLAYER'], d.header['\\$LUPREC'])\"";
+    FILE* pipe = ::popen(check.c_str(), "r");
+    char line[256] = {};
+    const bool read = std::fgets(line, sizeof line, pipe) != nullptr;
+    ::pclose(pipe);
+    EXPECT_TRUE(read);
+    EXPECT_STREQ(line, "Pipes 2\n") << "an independent reader sees the new settings";
 }
 
 TEST_F(Program, FileAndUsageErrorsGoToStandardErrorWithTheirStatus) {

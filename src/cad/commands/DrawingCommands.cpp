@@ -1,6 +1,7 @@
 // NEW, OPEN, SAVE, SAVEAS and QUIT: the drawing of the session, its file, and the end of the session.
 #include "cad/commands/HostSession.h"
 
+#include "cad/seam/HeaderVariables.h"
 #include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
 
@@ -16,6 +17,7 @@ bool saveTo(HostSession& session, const std::wstring& path) {
     seam::WorkbenchDatabase* drawing = session.host.currentDrawing();
     if (!drawing) return false;
     const std::filesystem::path file(seam::narrow(path));
+    seam::writeHeaderVariables(drawing->raw(), session.host.variables());
     if (auto saved = drawing->raw().save(file); !saved) {
         session.host.editor().print(L"Error: " + seam::wide(saved.message()) + L"\n");
         return false;
