@@ -176,12 +176,24 @@ std::string sanitizeUtf8(std::string_view in) {
     return out;
 }
 
+// glibc's Johab (1361) reads byte 0x5C as the won sign, as Korea's national variant of ASCII does;
+// DXF, like Windows' code page 1361, reads it as the backslash that starts escapes and MTEXT codes.
+constexpr std::string_view kWonSign = "\u20A9";
+
+std::string replaceAll(std::string text, std::string_view from, std::string_view to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
 }  // namespace
 
 struct TextCodec::Converters {
-    Converters(const char* name) : toUtf8("UTF-8", name), fromUtf8(name, "UTF-8") {}
+    Converters(const char* name)
+        : toUtf8("UTF-8", name), fromUtf8(name, "UTF-8"), wonSignIsBackslash(std::string_view(name) == "CP1361") {}
     Converter toUtf8;
     Converter fromUtf8;
+    bool wonSignIsBackslash;
 };
 
 void appendUtf8(std::string& out, char32_t cp) {
@@ -243,6 +255,7 @@ std::string TextCodec::decode(std::string_view raw) const {
             appendUtf8(out, 0xFFFD);
             return std::size_t{1};
         });
+        if (converters_->wonSignIsBackslash) utf8 = replaceAll(std::move(utf8), kWonSign, "\\");
     }
     if (utf8.find('\\') == std::string::npos) return utf8;
 
@@ -296,9 +309,13 @@ std::string TextCodec::encode(std::string_view utf8) const {
     if (ascii) return std::string(utf8);
     std::string out;
     out.reserve(utf8.size());
-    converters_->fromUtf8.convert(utf8, out, [](std::string& o, std::string_view rest) {
+    // A won sign would come back as a backslash: it goes as an escape.
+    std::string text = converters_->wonSignIsBackslash ? replaceAll(std::string(utf8), kWonSign, "\\U+20A9") : std::string(utf8);
+    converters_->fromUtf8.convert(text, out, [](std::string& o, std::string_view rest) {
         char32_t cp = decodeUtf8At(rest);
-        if (cp >= 0x10000) {
+        if (cp < 0x80) {
+            o += static_cast<char>(cp);  // ASCII is ASCII in every code page DXF names, whatever iconv says
+        } else if (cp >= 0x10000) {
             appendEscape(o, 0xD800 + ((cp - 0x10000) >> 10));
             appendEscape(o, 0xDC00 + ((cp - 0x10000) & 0x3FF));
         } else {

@@ -41,5 +41,16 @@ TEST(FuzzRegression, CodePageIsReadOnlyFromAText) {
     EXPECT_EQ(file->codec().codePage(), "ANSI_1252");
 }
 
+TEST(FuzzRegression, BackslashOfJohabStartsEscapes) {
+    // glibc reads byte 0x5C of code page 1361 as the won sign, so the escapes written for what the
+    // code page lacks did not read back.
+    test::BinaryDxf dxf(true);
+    dxf.text(0, "SECTION").text(2, "HEADER").text(9, "$DWGCODEPAGE").text(3, "ANSI_1361").text(0, "ENDSEC");
+    auto file = TagFile::parse(dxf.text(0, "EOF").bytes(), "fuzz.dxf");
+    ASSERT_TRUE(file.ok()) << file.message();
+    const std::string text = "\uFFFD C:\\plans ₩ \\U+";
+    EXPECT_EQ(file->codec().decode(file->codec().encode(text)), text);
+}
+
 }  // namespace
 }  // namespace veltarn::dxf
