@@ -13,7 +13,7 @@ void CommandJournal::commandWillStart(const std::wstring& command) {
     db::Database& db = drawing->raw();
     // Counted after begin(), which drops the steps that were undone.
     db.beginCommand(narrow(command));
-    open_.push_back({drawing, db.journal().changes().size()});
+    open_.push_back({drawing, db.journal().changes().size(), db.isR12()});
 }
 
 void CommandJournal::finish(const std::wstring&) {
@@ -25,8 +25,9 @@ void CommandJournal::finish(const std::wstring&) {
     if (!step.drawing || step.drawing != drawing) return;
     db::Database& db = drawing->raw();
     db.endCommand();
-    // A command that recorded changes changed the drawing.
-    if (db.journal().changes().size() > step.stepsBefore) drawing->setModified(true);
+    // A command that recorded changes changed the drawing, and so did one that converted it from
+    // R12 (it is saved as 2018 now, whatever the count of changes says).
+    if (db.journal().changes().size() > step.stepsBefore || (step.wasR12 && !db.isR12())) drawing->setModified(true);
 }
 
 }  // namespace veltarn::seam

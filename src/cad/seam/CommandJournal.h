@@ -31,6 +31,7 @@ private:
     struct Open {
         WorkbenchDatabase* drawing = nullptr;  // null for an exempt command
         std::size_t stepsBefore = 0;
+        bool wasR12 = false;  // a conversion forgets the changes counted before it
     };
     void finish(const std::wstring& command);
 

@@ -1,6 +1,7 @@
 #include "cad/seam/WorkbenchDatabase.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/RecordCopier.h"
@@ -61,10 +62,20 @@ constexpr int kConstantAttribute = 2;
 // Block record group 281: references may only be scaled alike.
 constexpr int kBlockScaling = 281;
 
+// A handle no object of `db` has, from the top of the range: drawings hand out handles upwards
+// from their seed and never get there, so it stays free after a conversion too.
+db::Handle freeTopHandle(const db::Database& db) {
+    db::Handle handle = std::numeric_limits<db::Handle>::max();
+    while (db.status(handle) != db::OpenStatus::NotFound) --handle;
+    return handle;
+}
+
 }  // namespace
 
 WorkbenchDatabase::WorkbenchDatabase(db::Database database, std::filesystem::path path)
-    : db_(std::move(database)), path_(std::move(path)) {}
+    : db_(std::move(database)), path_(std::move(path)) {
+    if (db_.isR12()) rootStandIn_ = freeTopHandle(db_);
+}
 
 WorkbenchDatabase::~WorkbenchDatabase() { db_.removeObserver(&relay_); }
 
@@ -86,32 +97,67 @@ std::wstring WorkbenchDatabase::fileName() const {
 bool WorkbenchDatabase::onLockedLayer(db::Handle handle) const { return db_.isOnLockedLayer(handle); }
 
 std::unique_ptr<host::DbObject> WorkbenchDatabase::openObject(host::ObjectId id, host::OpenMode mode) {
-    if (db_.status(id.handle) != db::OpenStatus::Ok) return nullptr;
     const bool write = mode == host::OpenMode::kWrite;
-    if (const OpenTable::Counts* counts = opens_.find(id.handle); counts && (counts->writer || (write && counts->readers > 0)))
+    if (isRootStandIn(id.handle) && db_.isR12()) {
+        // Reading the stand-in needs no root dictionary; writing it needs the real one, but a
+        // write that would be refused anyway converts nothing.
+        const OpenTable::Counts* counts = opens_.find(id.handle);
+        if (counts && (counts->writer || (write && counts->readers > 0))) return nullptr;
+        if (!write) {
+            ++opens_.add(id.handle).readers;
+            return makeRootStandIn(*this, id.handle);
+        }
+        if (!db_.convertFromR12().ok()) return nullptr;
+    }
+    const db::Handle handle = counted(id.handle);
+    if (db_.status(handle) != db::OpenStatus::Ok) return nullptr;
+    if (const OpenTable::Counts* counts = opens_.find(handle); counts && (counts->writer || (write && counts->readers > 0)))
         return nullptr;
-    if (write && onLockedLayer(id.handle)) return nullptr;
-    OpenTable::Counts& counts = opens_.add(id.handle);
+    if (write && onLockedLayer(handle)) return nullptr;
+    OpenTable::Counts& counts = opens_.add(handle);
     if (write) counts.writer = true;
     else ++counts.readers;
+    // An object opened by the stand-in keeps that id: the caller compares it with what it asked for.
     return makeObject(*this, id.handle, mode);
 }
 
-bool WorkbenchDatabase::tryUpgrade(db::Handle handle) {
+db::Handle WorkbenchDatabase::counted(db::Handle handle) {
+    // Only a drawing read as R12 and converted since has two ids for its root.
+    if (rootStandIn_ == db::kNoHandle || db_.isR12()) return handle;
+    const db::Handle real = db_.namedObjectsDictionary();
+    if (OpenTable::Counts* held = opens_.find(rootStandIn_)) {
+        const OpenTable::Counts moved = *held;
+        *held = {};
+        opens_.dropIfClosed(rootStandIn_);
+        OpenTable::Counts& counts = opens_.add(real);
+        counts.readers += moved.readers;
+        counts.writer = counts.writer || moved.writer;
+    }
+    return handle == rootStandIn_ ? real : handle;
+}
+
+bool WorkbenchDatabase::tryUpgrade(db::Handle id) {
+    const db::Handle handle = counted(id);
     OpenTable::Counts* counts = opens_.find(handle);
     if (!counts || counts->writer || counts->readers != 1 || onLockedLayer(handle)) return false;
+    if (isRootStandIn(handle)) {
+        // Still R12: the write that follows needs the real root dictionary.
+        if (!db_.convertFromR12().ok()) return false;
+        return tryUpgrade(handle);
+    }
     counts->readers = 0;
     counts->writer = true;
     return true;
 }
 
-void WorkbenchDatabase::downgrade(db::Handle handle) {
-    OpenTable::Counts& counts = opens_.add(handle);
+void WorkbenchDatabase::downgrade(db::Handle id) {
+    OpenTable::Counts& counts = opens_.add(counted(id));
     counts.writer = false;
     counts.readers = 1;
 }
 
-void WorkbenchDatabase::release(db::Handle handle, host::OpenMode mode) {
+void WorkbenchDatabase::release(db::Handle id, host::OpenMode mode) {
+    const db::Handle handle = counted(id);
     OpenTable::Counts* counts = opens_.find(handle);
     if (!counts) return;
     if (mode == host::OpenMode::kWrite) counts->writer = false;

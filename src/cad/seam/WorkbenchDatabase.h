@@ -1,5 +1,16 @@
 // The workbench's drawing as the module sees it: host::Database over db::Database, with the
 // bookkeeping of open objects (many readers or one writer) and the drawing's reactors.
+//
+// An R12 drawing has no named objects dictionary, yet the module keeps its table definitions
+// there. It is handed a stand-in id instead: opened for read, an empty dictionary, so reading
+// changes nothing and an untouched R12 drawing still saves as it was read; opened for write (or
+// upgraded), the drawing is converted to 2018 first, and from then on the stand-in and the real
+// root dictionary are one object under two ids, both of which open it.
+//
+// The conversion is no step of the undo history (see db::Database::convertFromR12): undoing the
+// command that converted takes back what that command did after the conversion (the dictionaries
+// and records it added), and the drawing stays a 2018 one; what came before can no longer be
+// undone.
 #pragma once
 
 #include <filesystem>
@@ -37,8 +48,16 @@ public:
     void setSupportPath(std::function<std::wstring()> supportPath) { supportPath_ = std::move(supportPath); }
 
     // --- open bookkeeping, used by the objects handed out --------------------------------------
+    // The handle the drawing knows `handle` by: the real root dictionary for the stand-in once the
+    // drawing holds one, else `handle` itself.
+    db::Handle resolve(db::Handle handle) const {
+        return handle == rootStandIn_ && handle != db::kNoHandle && !db_.isR12() ? db_.namedObjectsDictionary() : handle;
+    }
+    // True for the stand-in id of the named objects dictionary (see above).
+    bool isRootStandIn(db::Handle handle) const { return handle == rootStandIn_ && handle != db::kNoHandle; }
     bool onLockedLayer(db::Handle handle) const;
-    bool tryUpgrade(db::Handle handle);  // the only reader becomes the writer
+    // The only reader becomes the writer; upgrading the stand-in converts an R12 drawing first.
+    bool tryUpgrade(db::Handle handle);
     void downgrade(db::Handle handle);
     void release(db::Handle handle, host::OpenMode mode);
     // Opens currently held; for tests and for commands that check nothing is left open.
@@ -59,7 +78,10 @@ public:
 
     // host::Database
     std::wstring fileName() const override;
-    host::ObjectId namedObjectsDictionary() const override { return {db_.namedObjectsDictionary()}; }
+    // The stand-in while the drawing is R12, the real root dictionary afterwards.
+    host::ObjectId namedObjectsDictionary() const override {
+        return {db_.isR12() ? rootStandIn_ : db_.namedObjectsDictionary()};
+    }
     host::ObjectId modelSpace() const override { return {db_.modelSpace()}; }
     std::unique_ptr<host::DbObject> openObject(host::ObjectId id, host::OpenMode mode) override;
     std::vector<host::ObjectId> blockEntities(host::ObjectId block) const override;
@@ -91,8 +113,12 @@ private:
     };
     void notifyAppended(db::Handle handle);
     void notifyErased(db::Handle handle, bool erased);
+    // The handle opens are counted under: the stand-in's opens move to the real root dictionary
+    // once the drawing has one, so that one writer excludes the other id's readers too.
+    db::Handle counted(db::Handle handle);
 
     db::Database db_;
+    db::Handle rootStandIn_ = db::kNoHandle;  // set for a drawing read as R12, kept after conversion
     std::filesystem::path path_;
     const host::SystemVariables* settings_ = nullptr;
     std::function<std::wstring()> supportPath_;

@@ -28,7 +28,7 @@ public:
     ~Object() override { drawing_.release(handle_, mode_); }
 
     ObjectId id() const override { return {handle_}; }
-    ObjectId ownerId() const override { return {db().ownerOf(handle_)}; }
+    ObjectId ownerId() const override { return {db().ownerOf(target())}; }
     OpenMode openMode() const override { return mode_; }
 
     bool upgradeOpen() override {
@@ -42,22 +42,25 @@ public:
         drawing_.downgrade(handle_);
         mode_ = OpenMode::kRead;
     }
-    bool erase() override { return writable() && drawing_.eraseObject(handle_); }
+    bool erase() override { return writable() && drawing_.eraseObject(target()); }
 
-    ObjectId extensionDictionary() const override { return {db::extensionDictionary(db(), handle_)}; }
+    ObjectId extensionDictionary() const override { return {db::extensionDictionary(db(), target())}; }
     bool createExtensionDictionary() override {
         if (!writable()) return false;
-        return db::createExtensionDictionary(drawing_.raw(), handle_).ok();
+        return db::createExtensionDictionary(drawing_.raw(), target()).ok();
     }
     bool releaseExtensionDictionary() override {
         if (!writable()) return false;
-        if (db::extensionDictionary(db(), handle_) == db::kNoHandle) return true;
-        return db::releaseExtensionDictionary(drawing_.raw(), handle_);
+        if (db::extensionDictionary(db(), target()) == db::kNoHandle) return true;
+        return db::releaseExtensionDictionary(drawing_.raw(), target());
     }
 
 protected:
     db::Database& db() const { return drawing_.raw(); }
     bool writable() const { return mode_ == OpenMode::kWrite; }
+    // The object in the drawing: handle_ is the id it was opened by, which may be the stand-in of
+    // the named objects dictionary.
+    db::Handle target() const { return drawing_.resolve(handle_); }
 
     WorkbenchDatabase& drawing_;
     db::Handle handle_;
@@ -68,28 +71,28 @@ class Dictionary : public Object<host::DbDictionary> {
 public:
     using Object::Object;
 
-    ObjectId find(const std::wstring& key) const override { return {db::findEntry(db(), handle_, narrow(key))}; }
+    ObjectId find(const std::wstring& key) const override { return {db::findEntry(db(), target(), narrow(key))}; }
     std::vector<Entry> entries() const override {
         std::vector<Entry> out;
-        for (const auto& e : db::dictionaryEntries(db(), handle_)) out.emplace_back(wide(e.key), ObjectId{e.value});
+        for (const auto& e : db::dictionaryEntries(db(), target())) out.emplace_back(wide(e.key), ObjectId{e.value});
         return out;
     }
     ObjectId addDictionary(const std::wstring& key) override {
         if (!writable() || key.empty() || has(key)) return {};
-        auto made = db::createDictionary(db(), handle_);
-        if (!made || !db::setEntry(db(), handle_, narrow(key), *made).ok()) return {};
+        auto made = db::createDictionary(db(), target());
+        if (!made || !db::setEntry(db(), target(), narrow(key), *made).ok()) return {};
         return {*made};
     }
     ObjectId addXrecord(const std::wstring& key) override {
         if (!writable() || key.empty() || has(key)) return {};
-        auto made = db::addXrecord(db(), handle_, narrow(key), {});
+        auto made = db::addXrecord(db(), target(), narrow(key), {});
         if (!made) return {};
         return {*made};
     }
     ObjectId remove(const std::wstring& key) override {
         if (!writable()) return {};
         const ObjectId held = find(key);
-        if (held) (void)db::removeEntry(db(), handle_, narrow(key));
+        if (held) (void)db::removeEntry(db(), target(), narrow(key));
         return held;
     }
 };
@@ -178,11 +181,28 @@ public:
     using Object::Object;
 };
 
+// The named objects dictionary of a drawing still R12, open for read: it holds nothing. Once the
+// drawing is converted (by this object's upgrade or by any other change) it is the real root.
+class RootStandIn : public Dictionary {
+public:
+    RootStandIn(WorkbenchDatabase& drawing, db::Handle handle) : Dictionary(drawing, handle, OpenMode::kRead) {}
+
+    ObjectId find(const std::wstring& key) const override { return converted() ? Dictionary::find(key) : ObjectId{}; }
+    std::vector<Entry> entries() const override { return converted() ? Dictionary::entries() : std::vector<Entry>{}; }
+
+private:
+    bool converted() const { return !db().isR12(); }
+};
+
 }  // namespace
+
+std::unique_ptr<host::DbObject> makeRootStandIn(WorkbenchDatabase& drawing, db::Handle handle) {
+    return std::make_unique<RootStandIn>(drawing, handle);
+}
 
 std::unique_ptr<host::DbObject> makeObject(WorkbenchDatabase& drawing, db::Handle handle, OpenMode mode) {
     const db::Database& db = drawing.raw();
-    const std::string_view type = db.typeName(handle);
+    const std::string_view type = db.typeName(drawing.resolve(handle));
     if (db::isDictionaryType(type)) return std::make_unique<Dictionary>(drawing, handle, mode);
     if (type == "XRECORD") return std::make_unique<Xrecord>(drawing, handle, mode);
     if (db::isEntity(db, handle)) return std::make_unique<Entity>(drawing, handle, mode);
