@@ -19,6 +19,10 @@ public:
         auto saved = db_->raw().save(path);
         ASSERT_TRUE(saved.ok()) << saved.message();
     }
+    void beginCommand(const std::string& name) override { db_->raw().beginCommand(name); }
+    void endCommand() override { db_->raw().endCommand(); }
+    bool undo() override { return db_->undo(); }
+    bool redo() override { return db_->redo(); }
 
 private:
     std::unique_ptr<seam::WorkbenchDatabase> db_;
@@ -27,7 +31,11 @@ private:
 }  // namespace
 
 std::unique_ptr<TestDrawing> TestDrawing::load(const std::string& fixture) {
-    auto loaded = seam::WorkbenchDatabase::read(std::filesystem::path(VELTARN_SOURCE_DIR) / "tests/data/data" / fixture);
+    return read(std::filesystem::path(VELTARN_SOURCE_DIR) / "tests/data/data" / fixture);
+}
+
+std::unique_ptr<TestDrawing> TestDrawing::read(const std::filesystem::path& path) {
+    auto loaded = seam::WorkbenchDatabase::read(path);
     if (!loaded) {
         ADD_FAILURE() << loaded.message();
         return createNew();
