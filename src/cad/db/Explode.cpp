@@ -1,6 +1,8 @@
 #include "cad/db/Explode.h"
 
+#include "cad/db/BlockPlacement.h"
 #include "cad/db/EntityProperties.h"
+#include "cad/db/ExplodeSupport.h"
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
@@ -12,27 +14,12 @@
 #include <numbers>
 
 namespace veltarn::db {
+
+using namespace explode_support;
+
 namespace {
 
-constexpr double kDegrees = 180 / std::numbers::pi;
-constexpr int kElevation = 38, kBulge = 42, kConstantWidth = 43, kStartWidth = 40, kEndWidth = 41;
-constexpr int kClosed = 1, kSplineFrame = 16, kPolyline3d = 8, kPolygonMesh = 16, kPolyfaceMesh = 64;
 constexpr int kAttributeInvisible = 1, kAttributeConstant = 2;
-constexpr int kTextUpsideDown = 4;
-
-Error fail(std::string message) { return dxf::makeError(std::move(message)); }
-
-// The end of an entity's own tags: where its first VERTEX, ATTRIB or SEQEND starts.
-std::size_t ownEnd(const TagList& tags) {
-    std::size_t end = tags.find(gc::kStructure, 1);
-    return end == TagList::npos ? tags.size() : end;
-}
-
-Point3 normalIn(const TagList& tags, std::size_t from, std::size_t to) {
-    return tags.point(gc::kNormalX, from, to).value_or(Point3{0, 0, 1});
-}
-
-bool isDefaultNormal(const Point3& n) { return std::abs(n.x) < 1e-12 && std::abs(n.y) < 1e-12 && n.z > 0; }
 
 // --- Pieces of polylines ----------------------------------------------------------------------
 
@@ -136,105 +123,6 @@ Result<std::vector<TagList>> explodePolyline(const TagList& tags) {
     return out;
 }
 
-// --- Placing a block's entities -----------------------------------------------------------------
-
-struct Placement {
-    Affine map;
-    Point3 scale{1, 1, 1};
-    bool mirrored = false;
-    double size = 1;  // how lengths scale (|X scale|)
-
-    bool equalXY() const { return std::abs(std::abs(scale.x) - std::abs(scale.y)) <= 1e-9 * std::max(std::abs(scale.x), 1.0); }
-    bool equalXYZ() const { return equalXY() && std::abs(std::abs(scale.x) - std::abs(scale.z)) <= 1e-9 * std::max(std::abs(scale.x), 1.0); }
-};
-
-// One OCS entity's plane under the placement: its new normal and how angles turn. A mirrored
-// placement keeps the normal's side (drawings stay in plan view) and runs angles the other way.
-struct PlaneMap {
-    Ocs from, to;
-    Point3 normal;
-    double turn = 0;  // degrees
-    bool mirrored = false;
-
-    PlaneMap(const Placement& p, const Point3& n) : from(n), to(normalized(p.map.vector(from.z))), normal(to.z), mirrored(p.mirrored) {
-        Point3 u = p.map.vector(from.x);
-        turn = std::atan2(dot(u, to.y), dot(u, to.x)) * kDegrees;
-        map_ = &p.map;
-    }
-    Point3 point(const Point3& ocs) const { return to.fromWcs(map_->apply(from.toWcs(ocs))); }
-    double angle(double degrees) const { return mirrored ? turn - degrees : turn + degrees; }
-
-private:
-    const Affine* map_;
-};
-
-std::string real(double v) { return dxf::formatReal(v); }
-
-// Rewrites the point at `code` (with its Y and Z codes when present) in [from, to), every occurrence.
-template <class F>
-void mapPoints(TagList& tags, int code, std::size_t from, std::size_t to, F f) {
-    for (std::size_t i = from; i < to; ++i) {
-        if (tags[i].code != code) continue;
-        Point3 p = tags.pointAt(i).value_or(Point3{});
-        bool hasZ = i + 2 < tags.size() && tags[i + 2].code == code + 20 && tags[i + 1].code == code + 10;
-        Point3 q = f(p);
-        tags[i].value = real(q.x);
-        if (i + 1 < tags.size() && tags[i + 1].code == code + 10) tags[i + 1].value = real(q.y);
-        if (hasZ) tags[i + 2].value = real(q.z);
-    }
-}
-
-template <class F>
-void mapReals(TagList& tags, int code, std::size_t from, std::size_t to, F f) {
-    for (std::size_t i = from; i < to; ++i)
-        if (tags[i].code == code) tags[i].value = real(f(dxf::parseReal(tags[i].value).value_or(0)));
-}
-
-// Sets the extrusion of an entity whose own tags are [from, to): replaced in place, or added
-// before any xdata when it differs from the default.
-void setNormal(TagList& tags, std::size_t from, std::size_t to, const Point3& normal) {
-    std::size_t at = tags.find(gc::kNormalX, from, to);
-    if (at != TagList::npos) {
-        mapPoints(tags, gc::kNormalX, at, at + 1, [&](const Point3&) { return normal; });
-        if (!(at + 2 < tags.size() && tags[at + 2].code == gc::kNormalX + 20)) tags.insert(at + 2, gc::kNormalX + 20, real(normal.z));
-        return;
-    }
-    if (isDefaultNormal(normal)) return;
-    std::size_t end = from;
-    while (end < to && tags[end].code < gc::kXdataApp) ++end;
-    tags.insert(end, gc::kNormalX, real(normal.x));
-    tags.insert(end + 1, gc::kNormalX + 10, real(normal.y));
-    tags.insert(end + 2, gc::kNormalX + 20, real(normal.z));
-}
-
-// TEXT, ATTRIB and ATTDEF, whose points are in their OCS.
-void placeText(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
-    PlaneMap plane(p, normalIn(tags, from, to));
-    mapPoints(tags, gc::kX, from, to, [&](const Point3& q) { return plane.point(q); });
-    mapPoints(tags, gc::kX2, from, to, [&](const Point3& q) { return plane.point(q); });
-    mapReals(tags, gc::kReal, from, to, [&](double v) { return v * p.size; });
-    double rotation = plane.angle(tags.real(gc::kAngle, from, to).value_or(0));
-    std::size_t at = tags.find(gc::kAngle, from, to);
-    if (at == TagList::npos) {
-        // After the height, where DXF puts it (or at the end of the text's own tags).
-        std::size_t height = tags.find(gc::kReal, from, to);
-        at = height == TagList::npos ? to : height + 1;
-        tags.insert(at, gc::kAngle, "");
-        ++to;
-    }
-    tags[at].value = real(rotation);
-    if (p.mirrored) {  // the mirror image of a text reads upside down along its new direction
-        std::size_t flags = tags.find(gc::kInt71, from, to);
-        if (flags == TagList::npos) {
-            tags.insert(at + 1, gc::kInt71, "0");
-            flags = at + 1;
-            ++to;
-        }
-        tags[flags].value = std::to_string(dxf::parseInteger(tags[flags].value).value_or(0) ^ kTextUpsideDown);
-    }
-    setNormal(tags, from, to, plane.normal);
-}
-
 // A TEXT with an attribute's look and value.
 TagList textOf(const TagList& attribute, std::size_t from, std::size_t to) {
     static constexpr int kTextCodes[] = {gc::kThickness, gc::kX, gc::kReal, gc::kText, gc::kAngle, gc::kReal2, gc::kAngle2,
@@ -257,156 +145,6 @@ TagList textOf(const TagList& attribute, std::size_t from, std::size_t to) {
     // An attribute's vertical alignment is its 74; a text's is its 73.
     if (auto vertical = source.text(gc::kInt74)) text.add(gc::kInt73, std::string(*vertical));
     return text;
-}
-
-Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view block);
-
-// A block reference inside the block: it stays one, with the placements combined.
-Result<void> placeInsert(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
-    Point3 n = normalIn(tags, from, to);
-    Ocs ocs(n);
-    double rotation = tags.real(gc::kAngle, from, to).value_or(0) / kDegrees;
-    Point3 scale{tags.real(gc::kReal2, from, to).value_or(1), tags.real(gc::kReal3, from, to).value_or(1), tags.real(gc::kReal4, from, to).value_or(1)};
-    Point3 u = p.map.vector(ocs.toWcs({std::cos(rotation), std::sin(rotation), 0}));
-    Point3 w = p.map.vector(ocs.z);
-    Ocs to3(w);
-    double newRotation = std::atan2(dot(u, to3.y), dot(u, to3.x)) * kDegrees;
-    Point3 insertion = to3.fromWcs(p.map.apply(ocs.toWcs(tags.point(gc::kX, from, to).value_or(Point3{}))));
-    Point3 newScale{scale.x * length(u), scale.y * length(u) * (p.mirrored ? -1 : 1), scale.z * length(w)};
-    mapPoints(tags, gc::kX, from, to, [&](const Point3&) { return insertion; });
-    // Scales and rotation follow the insertion point in this order; missing ones are added when
-    // they differ from their defaults.
-    std::size_t cursor = tags.find(gc::kX, from, to) + 1;
-    while (cursor < to && (tags[cursor].code == gc::kX + 10 || tags[cursor].code == gc::kX + 20)) ++cursor;
-    auto setReal = [&](int code, double value, double fallback) {
-        std::size_t at = tags.find(code, from, to);
-        if (at != TagList::npos) {
-            tags[at].value = real(value);
-            cursor = std::max(cursor, at + 1);
-        } else if (value != fallback) {
-            tags.insert(cursor++, code, real(value));
-            ++to;
-        }
-    };
-    setReal(gc::kReal2, newScale.x, 1);
-    setReal(gc::kReal3, newScale.y, 1);
-    setReal(gc::kReal4, newScale.z, 1);
-    setReal(gc::kAngle, newRotation < 0 ? newRotation + 360 : newRotation, 0);
-    mapReals(tags, 44, from, to, [&](double v) { return v * p.size; });  // column and row spacing
-    mapReals(tags, 45, from, to, [&](double v) { return v * p.size; });
-    setNormal(tags, from, ownEnd(tags), normalized(w));
-    // Its attributes move with it.
-    for (std::size_t i = ownEnd(tags); i < tags.size(); ++i) {
-        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "ATTRIB") continue;
-        std::size_t next = tags.find(gc::kStructure, i + 1);
-        placeText(tags, i + 1, next == TagList::npos ? tags.size() : next, p);
-    }
-    return {};
-}
-
-Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view block) {
-    std::string type(tags.type());
-    std::size_t from = 1, to = ownEnd(tags);
-    auto unplaceable = [&](std::string_view why) {
-        return fail("cannot explode: block \"" + std::string(block) + "\" holds a " + type + " that " + std::string(why));
-    };
-    // Kinds whose shape survives any linear map; the others need equal X and Y scales.
-    bool affine = type == "LINE" || type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE";
-    if (type == "POLYLINE") affine = (tags.integer(gc::kFlags, from, to).value_or(0) & (kPolyline3d | kPolygonMesh | kPolyfaceMesh)) != 0;
-    if (!affine && !p.equalXY()) return unplaceable("cannot be scaled unequally in X and Y");
-    Point3 n = normalIn(tags, from, to);
-    if (!affine && !isDefaultNormal(n) && !p.equalXYZ()) return unplaceable("lies in a tilted plane and cannot be scaled unequally");
-    auto wcs = [&](const Point3& q) { return p.map.apply(q); };
-    auto vector = [&](const Point3& v) { return p.map.vector(v); };
-    auto lengths = [&](double v) { return v * p.size; };
-    if (type == "LINE" || type == "POINT" || type == "3DFACE") {
-        for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4}) mapPoints(tags, code, from, to, wcs);
-        if (type != "3DFACE") setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "XLINE" || type == "RAY") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, [&](const Point3& v) { return normalized(vector(v)); });
-    } else if (type == "SPLINE") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, wcs);
-        mapPoints(tags, gc::kX3, from, to, vector);
-        mapPoints(tags, gc::kX4, from, to, vector);
-        if (tags.find(gc::kNormalX, from, to) != TagList::npos) setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "CIRCLE" || type == "ARC" || type == "SOLID" || type == "TRACE") {
-        PlaneMap plane(p, n);
-        for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4}) mapPoints(tags, code, from, to, [&](const Point3& q) { return plane.point(q); });
-        mapReals(tags, gc::kReal, from, to, lengths);
-        if (type == "ARC") {
-            double start = tags.real(gc::kAngle, from, to).value_or(0), end = tags.real(gc::kAngle2, from, to).value_or(360);
-            double a = plane.angle(p.mirrored ? end : start), b = plane.angle(p.mirrored ? start : end);
-            tags.setRealIn("AcDbArc", gc::kAngle, std::fmod(a + 720, 360));
-            tags.setRealIn("AcDbArc", gc::kAngle2, std::fmod(b + 720, 360));
-            to = ownEnd(tags);
-        }
-        setNormal(tags, from, to, plane.normal);
-    } else if (type == "ELLIPSE") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, vector);
-        if (p.mirrored) {  // the same normal side: the curve's parameter runs backwards
-            double start = tags.real(gc::kReal2, from, to).value_or(0), end = tags.real(gc::kReal3, from, to).value_or(2 * std::numbers::pi);
-            mapReals(tags, gc::kReal2, from, to, [&](double) { return std::fmod(4 * std::numbers::pi - end, 2 * std::numbers::pi); });
-            mapReals(tags, gc::kReal3, from, to, [&](double) { return std::fmod(4 * std::numbers::pi - start, 2 * std::numbers::pi); });
-        }
-        setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "TEXT") {
-        placeText(tags, from, to, p);
-    } else if (type == "MTEXT") {
-        // MTEXT has no mirror flags: its mirror image lies on the other side of its plane.
-        Point3 direction = tags.point(gc::kX2, from, to).value_or(Ocs(n).toWcs({std::cos(tags.real(gc::kAngle, from, to).value_or(0) / kDegrees),
-                                                                               std::sin(tags.real(gc::kAngle, from, to).value_or(0) / kDegrees), 0}));
-        Point3 newDirection = normalized(vector(direction));
-        Point3 newNormal = normalized(cross(vector(Ocs(n).x), vector(Ocs(n).y)));
-        mapPoints(tags, gc::kX, from, to, wcs);
-        for (int code : {gc::kReal, gc::kReal2, 46}) mapReals(tags, code, from, to, lengths);
-        tags.removeAll(gc::kAngle, from, to);
-        to = ownEnd(tags);
-        if (tags.find(gc::kX2, from, to) != TagList::npos) mapPoints(tags, gc::kX2, from, to, [&](const Point3&) { return newDirection; });
-        else tags.setPointIn("AcDbMText", gc::kX2, newDirection);
-        setNormal(tags, from, ownEnd(tags), newNormal);
-    } else if (type == "LWPOLYLINE") {
-        PlaneMap plane(p, n);
-        double elevation = tags.real(kElevation, from, to).value_or(0);
-        double newElevation = plane.point({0, 0, elevation}).z;
-        for (std::size_t i = from; i < to; ++i) {
-            if (tags[i].code != gc::kX) continue;
-            Point3 q = plane.point({dxf::parseReal(tags[i].value).value_or(0),
-                                    i + 1 < to && tags[i + 1].code == 20 ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
-            tags[i].value = real(q.x);
-            if (i + 1 < to && tags[i + 1].code == 20) tags[i + 1].value = real(q.y);
-            newElevation = q.z;
-        }
-        for (int code : {kStartWidth, kEndWidth, kConstantWidth}) mapReals(tags, code, from, to, lengths);
-        if (p.mirrored) mapReals(tags, kBulge, from, to, [](double b) { return -b; });
-        if (newElevation != 0 || tags.find(kElevation, from, to) != TagList::npos) tags.setRealIn("AcDbPolyline", kElevation, newElevation);
-        setNormal(tags, from, ownEnd(tags), plane.normal);
-    } else if (type == "POLYLINE") {
-        bool planar = !affine;
-        PlaneMap plane(p, n);
-        auto mapVertex = [&](const Point3& q) { return planar ? plane.point(q) : wcs(q); };
-        std::size_t vertexFrom = to;
-        mapPoints(tags, gc::kX, from, to, mapVertex);
-        for (int code : {kStartWidth, kEndWidth}) mapReals(tags, code, from, to, lengths);
-        for (std::size_t i = vertexFrom; i < tags.size(); ++i) {
-            if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
-            std::size_t next = tags.find(gc::kStructure, i + 1);
-            if (next == TagList::npos) next = tags.size();
-            mapPoints(tags, gc::kX, i + 1, next, mapVertex);
-            if (planar) {
-                for (int code : {kStartWidth, kEndWidth}) mapReals(tags, code, i + 1, next, lengths);
-                if (p.mirrored) mapReals(tags, kBulge, i + 1, next, [](double b) { return -b; });
-            }
-        }
-        if (planar) setNormal(tags, from, to, plane.normal);
-    } else if (type == "INSERT") {
-        return placeInsert(tags, from, to, p);
-    } else {
-        return unplaceable("cannot be placed");
-    }
-    return {};
 }
 
 Result<std::vector<TagList>> explodeInsert(const Database& db, const TagList& tags) {
