@@ -129,4 +129,25 @@ TEST_F(Program, FileAndUsageErrorsGoToStandardErrorWithTheirStatus) {
     }
 }
 
+TEST_F(Program, AnR12DrawingGivenTheTableDictionaryIsSavedAs2018ThatAnotherReaderOpens) {
+    const std::string checks = VELTARN_SOURCE_DIR "/tests/e2e/checks/";
+    fs::copy_file(checks + "r12_drawing.dxf", dir_ / "r12.dxf");
+    const Outcome run = veltarn("r12.dxf --check-classifier " + quote(checks + "good_small.txt") + " --save-as out.dxf");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("r12.dxf: saved as a 2018 drawing (AC1032)"), std::string::npos) << run.out;
+    // Saved again, it is a 2018 drawing already: nothing to say.
+    const Outcome again = veltarn("out.dxf --check-classifier " + quote(checks + "good_small.txt") + " --save-as again.dxf");
+    EXPECT_EQ(again.out.find("saved as"), std::string::npos) << again.out;
+
+    if (std::system("/usr/bin/python3 -c 'import ezdxf' 2>/dev/null") != 0) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is needed";
+    const std::string check = "/usr/bin/python3 -c \"import ezdxf; d = ezdxf.readfile('" + (dir_ / "out.dxf").string() +
+                              "'); print(d.dxfversion, 'ODEMUDATA' in d.rootdict, len(d.audit().errors))\"";
+    FILE* pipe = ::popen(check.c_str(), "r");
+    char line[256] = {};
+    const bool read = std::fgets(line, sizeof line, pipe) != nullptr;
+    ::pclose(pipe);
+    EXPECT_TRUE(read);
+    EXPECT_STREQ(line, "AC1032 True 0\n");
+}
+
 }  // namespace
