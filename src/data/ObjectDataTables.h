@@ -28,10 +28,10 @@ inline constexpr int kListTablesMode = 7;
 // The id of "ODEMUDATA", created when the drawing has none. Creation locks the document of `db`
 // for exclusive write (when `documents` knows it; side databases need no lock) and adds the
 // dictionary to the named objects dictionary; the dictionary is never deleted afterwards. Null
-// only when it can be neither found nor made: the named objects dictionary is opened elsewhere, or
-// the drawing is still R12 (it gets a named objects dictionary when a change that needs one, such
-// as a record's extension dictionary, converts it to 2018). Ids are cached per database under one process-wide mutex; a cached id that no
-// longer opens (its creation was undone) is looked up again.
+// only when it can be neither found nor made (the named objects dictionary is opened elsewhere).
+// In an R12 drawing the request converts the drawing to 2018. Ids are cached per database under
+// one process-wide mutex; a cached id that no longer opens (its creation was undone) is looked up
+// again.
 host::ObjectId getObjectDataDictionary(host::Database& db, host::Documents* documents = nullptr);
 
 // The same, opened in `mode`: the form the store itself uses.
