@@ -1,9 +1,10 @@
 // Fuzz target for the DXF tag reader. Besides crashes and hangs it checks the promises the
-// drawing database builds on: a file that loads is written back byte for byte, every value
-// decodes to valid UTF-8, and tags rewritten one by one (in the file's own form, or in the other
-// form) read back as the same tags.
+// drawing database builds on: a file that loads is written back byte for byte, a TagStream over
+// it reads the tags the scanner found, every value decodes to valid UTF-8, and tags rewritten one
+// by one (in the file's own form, or in the other form) read back as the same tags.
 #include "cad/dxf/NumberText.h"
 #include "cad/dxf/TagFile.h"
+#include "cad/dxf/TagStream.h"
 #include "cad/dxf/TagWriter.h"
 
 #include <cmath>
@@ -94,6 +95,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(!file.message().empty(), "an error without a message");
         return 0;
     }
+
+    TagStream stream(*file, 0, input.size() - file->trailer().size());
+    for (std::size_t i = 0; i < file->size(); ++i) {
+        require(stream.next(), "a tag stream ends before the scanner's last tag");
+        require(stream.code() == file->code(i) && stream.raw() == file->raw(i), "a tag stream reads another tag");
+    }
+    require(!stream.next(), "a tag stream reads past the scanner's last tag");
 
     bool hasComments = false;
     for (std::size_t i = 0; i < file->size(); ++i) {

@@ -51,6 +51,7 @@ Result<TagFile> TagFile::parse(std::string bytes, std::string name) {
     if (file.tags_.empty()) return makeError(file.name_ + ": expected DXF tags, found none");
     if (auto checked = file.checkSections(); !checked) return checked.error();
     if (auto facts = file.readHeaderFacts(); !facts) return facts.error();
+    file.tagsEnd_ = file.tagEnd(file.tags_.size() - 1);
     return file;
 }
 
@@ -202,10 +203,7 @@ std::string_view TagFile::span(std::size_t first, std::size_t last) const {
     return std::string_view(bytes_).substr(begin, end - begin);
 }
 
-std::string_view TagFile::trailer() const {
-    if (tags_.empty()) return {};
-    return std::string_view(bytes_).substr(tagEnd(tags_.size() - 1));
-}
+std::string_view TagFile::trailer() const { return std::string_view(bytes_).substr(tagsEnd_); }
 
 std::size_t TagFile::lineOf(std::size_t i) const {
     std::size_t start = tagStart(i);

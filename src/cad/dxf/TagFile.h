@@ -74,6 +74,7 @@ public:
     // The bytes of tags [first, last) exactly as the file holds them, line ends included.
     std::string_view span(std::size_t first, std::size_t last) const;
     // Bytes after the final tag (after "0 EOF": some writers pad files); written back unchanged.
+    // Kept after releaseTags().
     std::string_view trailer() const;
 
     // text(i) for a tag given by its code and raw value (read with a TagStream).
@@ -102,6 +103,7 @@ private:
     bool crlf_ = false;
     bool shortCodes_ = false;  // binary R12: one-byte group codes
     bool missingEof_ = false;
+    std::size_t tagsEnd_ = 0;  // one past the final tag
 };
 
 }  // namespace veltarn::dxf

@@ -145,7 +145,7 @@ void writeEnding(const TagFile& file, TagWriter& writer) {
         return;
     }
     // The last value may end without a line end; blank lines after it were not read as tags.
-    std::string_view copied = file.span(0, file.size());
+    std::string_view copied = file.bytes().substr(0, file.bytes().size() - file.trailer().size());
     if (file.form() == FileForm::Ascii && !copied.empty() && copied.back() != '\n') writer.writeBytes(file.lineEnd());
     writer.write(code::kStructure, "EOF");
 }

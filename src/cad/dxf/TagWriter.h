@@ -63,6 +63,7 @@ private:
 
 // Ends a copy of `file` in its own format: the bytes it held after "0 EOF", or the "0 EOF" it
 // lacked (after a line end when its last value had none; blank lines at its end are dropped).
+// Works after TagFile::releaseTags() too.
 void writeEnding(const TagFile& file, TagWriter& writer);
 
 // Writes `file` as it was read, adding "0 EOF" when the file lacked it.
