@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: check the example classifier against the example drawing,
-# then read a drawing and write it back unchanged.
+# list objects with their object data on the command line, and read a drawing and write it back
+# unchanged.
 set -euo pipefail
 build=${1:-build}
 out="$build/demo"
@@ -12,6 +13,9 @@ rm -rf "$XDG_CONFIG_HOME"
 
 echo "== veltarn examples/utility-survey.dxf --check-classifier examples/utility-survey.txt"
 "$build/bin/veltarn" examples/utility-survey.dxf --check-classifier examples/utility-survey.txt
+
+echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
+"$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
 
 echo "== veltarn examples/survey.dxf --save-as $out/survey.dxf"
 "$build/bin/veltarn" examples/survey.dxf --save-as "$out/survey.dxf"
