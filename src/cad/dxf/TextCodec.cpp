@@ -186,6 +186,25 @@ std::string replaceAll(std::string text, std::string_view from, std::string_view
     return text;
 }
 
+// True when text[i] starts what decode() reads as an escape: \U+XXXX, or \M+nXXXX with n in 1..5.
+bool startsEscape(std::string_view text, std::size_t i) {
+    if (text[i] != '\\' || i + 2 >= text.size() || text[i + 2] != '+') return false;
+    if (text[i + 1] == 'U') return hex4(text, i + 3) >= 0;
+    return text[i + 1] == 'M' && i + 3 < text.size() && text[i + 3] >= '1' && text[i + 3] <= '5' && hex4(text, i + 4) >= 0;
+}
+
+// A backslash that would start an escape is itself written as one, so that a text such as
+// "\U+0041" reads back as written and not as "A".
+std::string protectBackslashes(std::string_view text) {
+    std::string out;
+    out.reserve(text.size() + 8);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (startsEscape(text, i)) out += "\\U+005C";
+        else out += text[i];
+    }
+    return out;
+}
+
 }  // namespace
 
 struct TextCodec::Converters {
@@ -303,14 +322,15 @@ std::string TextCodec::decode(std::string_view raw) const {
 }
 
 std::string TextCodec::encode(std::string_view utf8) const {
-    if (isUtf8()) return std::string(utf8);
+    std::string text = utf8.find('\\') == std::string_view::npos ? std::string(utf8) : protectBackslashes(utf8);
+    if (isUtf8()) return text;
     bool ascii = true;
-    for (unsigned char c : utf8) ascii = ascii && c < 0x80;
-    if (ascii) return std::string(utf8);
+    for (unsigned char c : text) ascii = ascii && c < 0x80;
+    if (ascii) return text;
     std::string out;
-    out.reserve(utf8.size());
+    out.reserve(text.size());
     // A won sign would come back as a backslash: it goes as an escape.
-    std::string text = converters_->wonSignIsBackslash ? replaceAll(std::string(utf8), kWonSign, "\\U+20A9") : std::string(utf8);
+    if (converters_->wonSignIsBackslash) text = replaceAll(std::move(text), kWonSign, "\\U+20A9");
     converters_->fromUtf8.convert(text, out, [](std::string& o, std::string_view rest) {
         char32_t cp = decodeUtf8At(rest);
         if (cp < 0x80) {

@@ -52,5 +52,15 @@ TEST(FuzzRegression, BackslashOfJohabStartsEscapes) {
     EXPECT_EQ(file->codec().decode(file->codec().encode(text)), text);
 }
 
+TEST(FuzzRegression, TextThatLooksLikeAnEscapeReadsBackAsWritten) {
+    // "\M+166" stayed as written, "\M+16661" became "fa": written back, the two formed a new escape.
+    auto file = TagFile::parse("999\n.;1\n0\nSECTION\n2\nDt\n1\n2?\\M+166\\M+16661\n0\nEND61\n0\nENDSEC", "fuzz.dxf");
+    ASSERT_TRUE(file.ok()) << file.message();
+    for (const TextCodec& codec : {file->codec(), TextCodec()}) {
+        for (std::string text : {file->text(3), std::string("\\U+0041 \\M+182A0 \\U+00")})
+            EXPECT_EQ(codec.decode(codec.encode(text)), text) << codec.codePage();
+    }
+}
+
 }  // namespace
 }  // namespace veltarn::dxf
