@@ -4,6 +4,7 @@
 #include "cad/dxf/TagScanners.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -198,6 +199,7 @@ std::size_t TagFile::tagEnd(std::size_t i) const {
 }
 
 std::string_view TagFile::span(std::size_t first, std::size_t last) const {
+    assert(last <= tags_.size() && "a span past the last tag");
     if (first >= last) return {};
     std::size_t begin = tagStart(first), end = tagEnd(last - 1);
     return std::string_view(bytes_).substr(begin, end - begin);

@@ -68,12 +68,7 @@ void TagWriter::writeCode(int code) {
 void TagWriter::write(int code, std::string_view text) {
     writeCode(code);
     if (format_.form == FileForm::Ascii) {
-        std::string encoded = format_.codec.encode(text);
-        for (char c : encoded) {
-            if (c == '\r') scratch_ += "\\U+000D";
-            else if (c == '\n') scratch_ += "\\U+000A";
-            else scratch_ += c;
-        }
+        scratch_ += format_.codec.encode(text, "\r\n");
         scratch_ += format_.lineEnd;
         sink_.write(scratch_);
         return;
@@ -84,10 +79,7 @@ void TagWriter::write(int code, std::string_view text) {
     };
     switch (kind) {
         case ValueKind::String: {
-            for (char c : format_.codec.encode(text)) {
-                if (c == '\0') scratch_ += "\\U+0000";  // the zero byte ends a text in binary DXF
-                else scratch_ += c;
-            }
+            scratch_ += format_.codec.encode(text, std::string_view("\0", 1));  // a zero byte ends a text
             scratch_ += '\0';
             break;
         }

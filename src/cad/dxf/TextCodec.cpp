@@ -193,16 +193,17 @@ bool startsEscape(std::string_view text, std::size_t i) {
     return text[i + 1] == 'M' && i + 3 < text.size() && text[i + 3] >= '1' && text[i + 3] <= '5' && hex4(text, i + 4) >= 0;
 }
 
-// A backslash that would start an escape is itself written as one, so that a text such as
-// "\U+0041" reads back as written and not as "A".
-std::string protectBackslashes(std::string_view text) {
-    std::string out;
-    out.reserve(text.size() + 8);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (startsEscape(text, i)) out += "\\U+005C";
-        else out += text[i];
+// Marks that code pages 1255 and 1258 compose with the letter before them.
+bool isCombiningMark(char32_t cp) { return (cp >= 0x300 && cp <= 0x36F) || (cp >= 0x591 && cp <= 0x5C7); }
+
+// \U+XXXX for one character; two of them, a UTF-16 surrogate pair, past U+FFFF.
+void appendEscapes(std::string& out, char32_t cp) {
+    if (cp >= 0x10000) {
+        appendEscape(out, 0xD800 + ((cp - 0x10000) >> 10));
+        appendEscape(out, 0xDC00 + ((cp - 0x10000) & 0x3FF));
+    } else {
+        appendEscape(out, cp);
     }
-    return out;
 }
 
 }  // namespace
@@ -321,28 +322,59 @@ std::string TextCodec::decode(std::string_view raw) const {
     return out;
 }
 
-std::string TextCodec::encode(std::string_view utf8) const {
-    std::string text = utf8.find('\\') == std::string_view::npos ? std::string(utf8) : protectBackslashes(utf8);
-    if (isUtf8()) return text;
-    bool ascii = true;
-    for (unsigned char c : text) ascii = ascii && c < 0x80;
-    if (ascii) return text;
-    std::string out;
-    out.reserve(text.size());
-    // A won sign would come back as a backslash: it goes as an escape.
-    if (converters_->wonSignIsBackslash) text = replaceAll(std::move(text), kWonSign, "\\U+20A9");
-    converters_->fromUtf8.convert(text, out, [](std::string& o, std::string_view rest) {
-        char32_t cp = decodeUtf8At(rest);
-        if (cp < 0x80) {
-            o += static_cast<char>(cp);  // ASCII is ASCII in every code page DXF names, whatever iconv says
-        } else if (cp >= 0x10000) {
-            appendEscape(o, 0xD800 + ((cp - 0x10000) >> 10));
-            appendEscape(o, 0xDC00 + ((cp - 0x10000) & 0x3FF));
+std::string TextCodec::encode(std::string_view utf8, std::string_view escaped) const {
+    bool plain = utf8.find('\\') == std::string_view::npos && utf8.find_first_of(escaped) == std::string_view::npos;
+    if (plain && isUtf8()) return std::string(utf8);
+    if (plain && std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return std::string(utf8);
+
+    std::string out, run;  // `run`: text that goes through the code page's converter
+    out.reserve(utf8.size() + 8);
+    auto convertRun = [&] {
+        if (run.empty()) return;
+        if (isUtf8()) {
+            out += run;
         } else {
-            appendEscape(o, cp);
+            converters_->fromUtf8.convert(run, out, [this](std::string& o, std::string_view rest) {
+                if (static_cast<unsigned char>(rest[0]) < 0x80) {
+                    o += rest[0];  // ASCII is ASCII in every code page DXF names, whatever iconv says
+                    return std::size_t{1};
+                }
+                // What the code page lacks, and the marks that follow it (see below).
+                std::size_t used = 0;
+                do {
+                    appendEscapes(o, decodeUtf8At(rest.substr(used)));
+                    used += std::min(utf8Length(static_cast<unsigned char>(rest[used])), rest.size() - used);
+                } while (used < rest.size() && !isUtf8() && isCombiningMark(decodeUtf8At(rest.substr(used))));
+                return used;
+            });
         }
-        return std::min(utf8Length(static_cast<unsigned char>(rest[0])), rest.size());
-    });
+        run.clear();
+    };
+    bool afterEscape = false;
+    for (std::size_t i = 0; i < utf8.size();) {
+        std::size_t length = std::min(utf8Length(static_cast<unsigned char>(utf8[i])), utf8.size() - i);
+        char32_t cp = decodeUtf8At(utf8.substr(i));
+        // An escape's last hex digit must not meet a combining mark: code pages 1255 and 1258 would
+        // compose the two ("A" and a hook above make "Ả") and break the escape, so such marks are
+        // escapes too. A won sign of code page 1361 would read back as a backslash.
+        bool escape = (cp < 0x80 && escaped.find(static_cast<char>(cp)) != std::string_view::npos) ||
+                      (afterEscape && !isUtf8() && isCombiningMark(cp)) ||
+                      (cp == 0x20A9 && converters_ && converters_->wonSignIsBackslash);
+        if (startsEscape(utf8, i)) {  // a backslash that would start an escape
+            escape = true;
+            cp = '\\';
+        }
+        if (escape) {
+            convertRun();
+            appendEscapes(out, cp);
+        } else {
+            run.append(utf8.substr(i, length));
+        }
+        afterEscape = escape;
+        i += length;
+    }
+    convertRun();
     return out;
 }
 

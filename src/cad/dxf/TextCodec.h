@@ -29,9 +29,10 @@ public:
     // File bytes to UTF-8. Bytes that are invalid in the encoding become U+FFFD.
     std::string decode(std::string_view raw) const;
 
-    // UTF-8 to file bytes. A character the code page cannot hold is written as \U+XXXX, and so is
-    // a backslash that would otherwise start an escape: decode(encode(text)) is text.
-    std::string encode(std::string_view utf8) const;
+    // UTF-8 to file bytes. A character the code page cannot hold is written as \U+XXXX, and so are
+    // a backslash that would otherwise start an escape and the ASCII characters in `escaped` (line
+    // breaks, which an ASCII file cannot hold in a value): decode(encode(text)) is text.
+    std::string encode(std::string_view utf8, std::string_view escaped = {}) const;
 
 private:
     struct Converters;

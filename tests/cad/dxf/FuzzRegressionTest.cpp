@@ -62,5 +62,22 @@ TEST(FuzzRegression, TextThatLooksLikeAnEscapeReadsBackAsWritten) {
     }
 }
 
+TEST(FuzzRegression, CombiningMarkAfterAnEscapeStaysApart) {
+    // Code page 1258 composed a hook above (byte 0xD2) with the last hex digit of the escape before
+    // it: a line break and a hook, written as "\U+000A" and 0xD2, read back as "\U+000Ả".
+    auto file = TagFile::parse("0\nSECTION\n2\nHEADER\n9\n$DWGCODEPAGE\n3\nANSI_1258\n0\nENDSEC\n0\nEOF\n", "fuzz.dxf");
+    ASSERT_TRUE(file.ok()) << file.message();
+    for (std::string text : {"9\n\u0309", "\u03AA\u0309\u0301 and \u1EA2"}) {
+        StringSink sink;
+        TagWriter writer(sink, WriteFormat::of(*file));
+        writer.copy(*file, 0, 4);
+        writer.write(1, text);
+        writer.copy(*file, 4, 6);
+        auto back = TagFile::parse(sink.take(), "back.dxf");
+        ASSERT_TRUE(back.ok()) << back.message();
+        EXPECT_EQ(back->text(4), text);
+    }
+}
+
 }  // namespace
 }  // namespace veltarn::dxf
