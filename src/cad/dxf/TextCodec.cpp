@@ -335,7 +335,7 @@ std::string TextCodec::encode(std::string_view utf8, std::string_view escaped) c
         if (isUtf8()) {
             out += run;
         } else {
-            converters_->fromUtf8.convert(run, out, [this](std::string& o, std::string_view rest) {
+            converters_->fromUtf8.convert(run, out, [](std::string& o, std::string_view rest) {
                 if (static_cast<unsigned char>(rest[0]) < 0x80) {
                     o += rest[0];  // ASCII is ASCII in every code page DXF names, whatever iconv says
                     return std::size_t{1};
@@ -345,7 +345,7 @@ std::string TextCodec::encode(std::string_view utf8, std::string_view escaped) c
                 do {
                     appendEscapes(o, decodeUtf8At(rest.substr(used)));
                     used += std::min(utf8Length(static_cast<unsigned char>(rest[used])), rest.size() - used);
-                } while (used < rest.size() && !isUtf8() && isCombiningMark(decodeUtf8At(rest.substr(used))));
+                } while (used < rest.size() && isCombiningMark(decodeUtf8At(rest.substr(used))));
                 return used;
             });
         }
