@@ -125,9 +125,7 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
         std::size_t length = valueLineEnd - valuePos;
         if (length > 0 && data[valuePos + length - 1] == '\r') --length;
 
-        file.tags_.push_back(Tag{static_cast<std::uint32_t>(valuePos),
-                                 static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
-                                 static_cast<std::int16_t>(code)});
+        file.tags_.emplace_back(static_cast<std::uint32_t>(valuePos), static_cast<std::int16_t>(code));
         pos = valueEnd ? valueLineEnd + 1 : size;
         line += 2;
         if (code == 0 && trimSpaces(std::string_view(data + valuePos, length)) == "EOF") return {};

@@ -72,8 +72,7 @@ Result<void> walkTags(const std::string& bytes, bool shortCodes, const std::stri
                                           std::to_string(code) + ", found " + std::to_string(size - pos));
             pos += length;
         }
-        onTag(Tag{static_cast<std::uint32_t>(valuePos), static_cast<std::uint16_t>(std::min<std::size_t>(length, Tag::kLongValue)),
-                  static_cast<std::int16_t>(code)});
+        onTag(Tag(static_cast<std::uint32_t>(valuePos), static_cast<std::int16_t>(code)));
         if (code == 0 && trimSpaces(std::string_view(bytes.data() + valuePos, length)) == "EOF") return {};
     }
     missingEof = true;

@@ -115,21 +115,28 @@ Result<void> TagFile::readHeaderFacts() {
 }
 
 std::size_t TagFile::valueLength(const Tag& tag) const {
-    if (tag.length != Tag::kLongValue) return tag.length;
+    const std::size_t offset = tag.offset();
     if (form_ == FileForm::Ascii) {
-        const char* begin = bytes_.data() + tag.offset;
-        const void* end = std::memchr(begin, '\n', bytes_.size() - tag.offset);
-        std::size_t length = end ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : bytes_.size() - tag.offset;
+        const char* begin = bytes_.data() + offset;
+        const void* end = std::memchr(begin, '\n', bytes_.size() - offset);
+        std::size_t length = end ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : bytes_.size() - offset;
         if (length > 0 && begin[length - 1] == '\r') --length;
         return length;
     }
-    // Only texts can be this long in binary files: they end at their zero byte.
-    return std::strlen(bytes_.data() + tag.offset);
+    switch (valueKindOf(tag.code)) {
+        case ValueKind::Real: case ValueKind::Int64: return 8;
+        case ValueKind::Int32: return 4;
+        case ValueKind::Int16: return 2;
+        case ValueKind::Bool: return 1;
+        case ValueKind::Binary: return static_cast<unsigned char>(bytes_[offset - 1]);  // its length byte
+        case ValueKind::String: break;
+    }
+    return std::strlen(bytes_.data() + offset);  // texts end at their zero byte
 }
 
 std::string_view TagFile::raw(std::size_t i) const {
     const Tag& tag = tags_[i];
-    return std::string_view(bytes_.data() + tag.offset, valueLength(tag));
+    return std::string_view(bytes_.data() + tag.offset(), valueLength(tag));
 }
 
 bool TagFile::is(std::size_t i, int wantedCode, std::string_view word) const {
@@ -191,7 +198,7 @@ std::size_t TagFile::tagStart(std::size_t i) const {
 
 std::size_t TagFile::tagEnd(std::size_t i) const {
     const Tag& tag = tags_[i];
-    std::size_t end = tag.offset + valueLength(tag);
+    std::size_t end = tag.offset() + valueLength(tag);
     if (form_ == FileForm::Binary) return end + (valueKindOf(tag.code) == ValueKind::String ? 1 : 0);
     if (end < bytes_.size() && bytes_[end] == '\r') ++end;
     if (end < bytes_.size() && bytes_[end] == '\n') ++end;

@@ -21,14 +21,18 @@ enum class FileForm : std::uint8_t { Ascii, Binary };
 // The first bytes of every binary DXF file.
 inline constexpr std::string_view kBinarySentinel{"AutoCAD Binary DXF\r\n\x1a\0", 22};
 
-// A tag as a slice of the file buffer: 8 bytes, so that a drawing of millions of tags stays small.
+// A tag as a slice of the file buffer: 6 bytes, so that a drawing of millions of tags stays small.
+// The value's length is not stored: it is measured again from the bytes (the line end, the zero
+// byte of a binary text, the width of a binary number) when the value is read.
 struct Tag {
-    static constexpr std::uint16_t kLongValue = 0xFFFF;  // the length is measured again on access
-    std::uint32_t offset;  // first byte of the value
-    std::uint16_t length;  // bytes of the value (ASCII: without the line end)
+    Tag(std::uint32_t valueOffset, std::int16_t groupCode)
+        : offsetLow(static_cast<std::uint16_t>(valueOffset)), offsetHigh(static_cast<std::uint16_t>(valueOffset >> 16)), code(groupCode) {}
+    std::uint32_t offset() const { return std::uint32_t{offsetHigh} << 16 | offsetLow; }  // first byte of the value
+
+    std::uint16_t offsetLow, offsetHigh;  // split so that the struct needs no 4-byte alignment
     std::int16_t code;
 };
-static_assert(sizeof(Tag) == 8);
+static_assert(sizeof(Tag) == 6);
 
 class TagFile {
 public:
