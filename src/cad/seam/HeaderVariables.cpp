@@ -39,7 +39,7 @@ std::optional<host::VariableValue> headerValue(const db::Database& db, const Hea
     while (!text->empty() && (text->back() == ' ' || text->back() == '\r')) text->pop_back();
     if (variable.name == L"CECOLOR") *text = colorName(*text);
     // An empty current layer would leave new entities nowhere.
-    if (text->empty() && variable.name == L"CLAYER") *text = "0";
+    if (text->empty() && variable.name == L"CLAYER") text->push_back('0');
     return editor::SystemVariableTable::parse(type, wide(*text));
 }
 
