@@ -23,6 +23,7 @@ test: build
 bench: build
 	@scripts/install-deps.sh bench
 	@scripts/bench.sh $(BUILD)
+	@scripts/bench-subsystems.sh $(BUILD)
 
 fuzz:
 	@scripts/install-deps.sh build fuzz
