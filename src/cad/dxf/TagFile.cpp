@@ -143,21 +143,7 @@ bool TagFile::is(std::size_t i, int wantedCode, std::string_view word) const {
     return tags_[i].code == wantedCode && trimSpaces(raw(i)) == word;
 }
 
-std::string TagFile::text(std::size_t i) const {
-    std::string_view value = raw(i);
-    if (form_ == FileForm::Binary) {
-        switch (valueKindOf(tags_[i].code)) {
-            case ValueKind::String: break;
-            case ValueKind::Real: return formatReal(readLittleEndian<double>(value.data()));
-            case ValueKind::Int16: return std::to_string(readLittleEndian<std::int16_t>(value.data()));
-            case ValueKind::Int32: return std::to_string(readLittleEndian<std::int32_t>(value.data()));
-            case ValueKind::Int64: return std::to_string(readLittleEndian<std::int64_t>(value.data()));
-            case ValueKind::Bool: return std::to_string(static_cast<unsigned char>(value[0]));
-            case ValueKind::Binary: return toHex(value);
-        }
-    }
-    return codec_.needsDecoding(value) ? codec_.decode(value) : std::string(value);
-}
+std::string TagFile::text(std::size_t i) const { return textOf(tags_[i].code, raw(i)); }
 
 std::optional<double> TagFile::real(std::size_t i) const {
     std::string_view value = raw(i);
