@@ -23,13 +23,7 @@ public:
         writer_.begin();
         for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) emit(s);
         flush();
-        if (file_.missingEof()) {
-            std::string_view bytes = file_.bytes();
-            if (file_.form() == dxf::FileForm::Ascii && !bytes.empty() && bytes.back() != '\n') writer_.writeBytes(file_.lineEnd());
-            writer_.write(gc::kStructure, "EOF");
-        } else {
-            writer_.writeBytes(file_.bytes().substr(db_.trailer_));
-        }
+        dxf::writeEnding(file_, writer_);
         return writer_.status();
     }
 
