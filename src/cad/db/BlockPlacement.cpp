@@ -29,6 +29,7 @@ struct PlaneMap {
         map_ = &p.map;
     }
     Point3 point(const Point3& ocs) const { return to.fromWcs(map_->apply(from.toWcs(ocs))); }
+    Point3 vector(const Point3& ocs) const { return to.fromWcs(map_->vector(from.toWcs(ocs))); }
     double angle(double degrees) const { return mirrored ? turn - degrees : turn + degrees; }
 
 private:
@@ -145,6 +146,130 @@ Result<void> placeInsert(TagList& tags, std::size_t from, std::size_t to, const 
     return {};
 }
 
+
+// --- Hatches -----------------------------------------------------------------------------------------
+
+// Shifts an arc edge's stored angles by `shift` degrees, keeping its span: the start goes to
+// [0, 360) and the end follows it (a full circle stays 0..360 wide).
+void shiftAngles(TagList& edge, double shift) {
+    std::size_t start = edge.find(gc::kAngle), end = edge.find(gc::kAngle2);
+    if (start == TagList::npos || end == TagList::npos) return;
+    double s = dxf::parseReal(edge[start].value).value_or(0), e = dxf::parseReal(edge[end].value).value_or(360);
+    double moved = std::fmod(std::fmod(s + shift, 360) + 360, 360);
+    edge[start].value = real(moved);
+    edge[end].value = real(moved + (e - s));
+}
+
+// One edge of an edge path (its tags after the type tag), in the hatch's OCS.
+void placeHatchEdge(HatchEdge& edge, const PlaneMap& plane, double size, double elevation) {
+    auto point = [&](const Point3& q) { return plane.point({q.x, q.y, elevation}); };
+    auto vector = [&](const Point3& v) { return plane.vector({v.x, v.y, 0}); };
+    TagList& tags = edge.data;
+    std::size_t n = tags.size();
+    if (edge.type == 1) {  // line: start, end
+        mapPoints(tags, gc::kX, 0, n, point);
+        mapPoints(tags, gc::kX2, 0, n, point);
+    } else if (edge.type == 2 || edge.type == 3) {
+        // Arcs and elliptic arcs. Clockwise ones (73 = 0) store their angles negated, so a turn
+        // moves them the other way; a mirror swaps the sense and keeps the stored numbers' roles.
+        mapPoints(tags, gc::kX, 0, n, point);
+        std::size_t sense = tags.find(gc::kInt73);
+        bool ccw = sense == TagList::npos || dxf::parseInteger(tags[sense].value).value_or(1) != 0;
+        if (edge.type == 2) {
+            mapReals(tags, gc::kReal, 0, n, [&](double r) { return r * size; });
+            shiftAngles(tags, ccw == !plane.mirrored ? plane.turn : -plane.turn);
+        } else {
+            // An ellipse's parameters are measured from its major axis, which turns with it; a
+            // mirror runs them backwards, which the swapped sense says.
+            mapPoints(tags, gc::kX2, 0, n, vector);
+        }
+        if (plane.mirrored && sense != TagList::npos) tags[sense].value = ccw ? "0" : "1";
+    } else if (edge.type == 4) {  // spline: control and fit points, start and end tangents
+        mapPoints(tags, gc::kX, 0, n, point);
+        mapPoints(tags, gc::kX2, 0, n, point);
+        mapPoints(tags, gc::kX3, 0, n, vector);
+        mapPoints(tags, gc::kX4, 0, n, vector);
+    }
+}
+
+// A HATCH: its boundary paths, elevation and extrusion, and its pattern (angle, scale, the
+// definition lines with their base points, offsets and dashes) and seed points. The placed hatch
+// is no longer associative: its boundary objects stay in the block.
+void placeHatch(TagList& tags, const Placement& p) {
+    auto [from, to] = tags.subclass("AcDbHatch");
+    if (from == TagList::npos) return;
+    PlaneMap plane(p, normalIn(tags, from, to));
+    double elevation = tags.point(gc::kX, from, to).value_or(Point3{}).z;
+    double newElevation = plane.point({0, 0, elevation}).z;
+    std::vector<HatchPath> paths = hatchPaths(tags);
+    for (HatchPath& path : paths) {
+        for (Vertex& v : path.vertices) {
+            Point3 q = plane.point({v.point.x, v.point.y, elevation});
+            v.point = {q.x, q.y, 0};
+            if (p.mirrored) v.bulge = -v.bulge;
+        }
+        for (HatchEdge& edge : path.edges) placeHatchEdge(edge, plane, p.size, elevation);
+        path.sources.clear();
+    }
+    setHatchPaths(tags, paths);
+    std::tie(from, to) = tags.subclass("AcDbHatch");
+    std::size_t at = tags.find(gc::kX, from, to);
+    if (at != TagList::npos) mapPoints(tags, gc::kX, at, at + 1, [&](const Point3&) { return Point3{0, 0, newElevation}; });
+    std::size_t associative = tags.find(gc::kInt71, from, to);
+    if (associative != TagList::npos) tags[associative].value = "0";
+    // What follows the paths: from the hatch style (75) on.
+    std::size_t tail = tags.find(gc::kInt75, tags.find(gc::kInt91, from, to), to);
+    for (std::size_t i = tail == TagList::npos ? to : tail; i < to; ++i) {
+        int code = tags[i].code;
+        double v = dxf::parseReal(tags[i].value).value_or(0);
+        bool pairNext = i + 1 < to && tags[i + 1].code == code + 1;
+        if (code == 52 || code == 53) {  // pattern angle, a definition line's angle
+            tags[i].value = real(std::fmod(plane.angle(v) + 720, 360));
+        } else if (code == gc::kReal2 || code == 47 || code == 49) {  // scale, pixel size, dashes
+            tags[i].value = real(v * p.size);
+        } else if ((code == gc::kReal4 || code == 45) && pairNext) {  // base point, line offset
+            double y = dxf::parseReal(tags[i + 1].value).value_or(0);
+            Point3 q = code == gc::kReal4 ? plane.point({v, y, elevation}) : plane.vector({v, y, 0});
+            tags[i].value = real(q.x);
+            tags[++i].value = real(q.y);
+        } else if (code == gc::kX) {  // a seed point
+            Point3 q = plane.point({v, i + 1 < to ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
+            tags[i].value = real(q.x);
+            if (i + 1 < to && tags[i + 1].code == gc::kX + 10) tags[++i].value = real(q.y);
+        } else if (code == 460) {  // gradient angle, in radians
+            tags[i].value = real(plane.angle(v * kDegrees) / kDegrees);
+        }
+    }
+    setNormal(tags, from, ownEnd(tags), plane.normal);
+}
+
+// An MLINE: vertices, segment and miter directions in WCS; the element offsets and breaks along
+// them are lengths. Its extrusion is the placed plane's, turned over under a mirror: elements lie
+// on the left of their direction seen from the extrusion, which is what the caps are drawn by.
+void placeMline(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
+    auto wcs = [&](const Point3& q) { return p.map.apply(q); };
+    auto direction = [&](const Point3& v) { return normalized(p.map.vector(v)); };
+    Ocs plane(normalIn(tags, from, to));
+    Point3 normal = normalized(cross(p.map.vector(plane.x), p.map.vector(plane.y)));
+    mapPoints(tags, gc::kX2, from, to, wcs);
+    mapPoints(tags, gc::kX3, from, to, direction);
+    mapPoints(tags, gc::kX4, from, to, direction);
+    for (int code : {gc::kReal, gc::kReal2, gc::kReal3}) mapReals(tags, code, from, to, [&](double v) { return v * p.size; });
+    std::size_t at = tags.find(gc::kNormalX, from, to);
+    if (at == TagList::npos) {
+        // DXF puts it right after the start point.
+        std::size_t start = tags.find(gc::kX, from, to);
+        at = start == TagList::npos ? to : start + 1;
+        while (at < to && (tags[at].code == gc::kX + 10 || tags[at].code == gc::kX + 20)) ++at;
+        tags.insert(at, gc::kNormalX, "0");
+        tags.insert(at + 1, gc::kNormalX + 10, "0");
+        tags.insert(at + 2, gc::kNormalX + 20, "1");
+        to += 3;
+    }
+    mapPoints(tags, gc::kNormalX, at, at + 1, [&](const Point3&) { return normal; });
+    mapPoints(tags, gc::kX, from, to, wcs);  // the start point
+}
+
 }  // namespace
 
 Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view block) {
@@ -154,7 +279,8 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         return fail("cannot explode: block \"" + std::string(block) + "\" holds a " + type + " that " + std::string(why));
     };
     // Kinds whose shape survives any linear map; the others need equal X and Y scales.
-    bool affine = type == "LINE" || type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE";
+    bool affine = type == "LINE" || type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE" ||
+                  type == "WIPEOUT";
     if (type == "POLYLINE") affine = (tags.integer(gc::kFlags, from, to).value_or(0) & (kPolyline3d | kPolygonMesh | kPolyfaceMesh)) != 0;
     if (!affine && !p.equalXY()) return unplaceable("cannot be scaled unequally in X and Y");
     Point3 n = normalIn(tags, from, to);
@@ -246,6 +372,15 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         if (planar) setNormal(tags, from, to, plane.normal);
     } else if (type == "INSERT") {
         return placeInsert(tags, from, to, p);
+    } else if (type == "HATCH") {
+        placeHatch(tags, p);
+    } else if (type == "MLINE") {
+        placeMline(tags, from, to, p);
+    } else if (type == "WIPEOUT") {
+        // Insertion point and the image's U and V vectors; the clip boundary is in image units.
+        mapPoints(tags, gc::kX, from, to, wcs);
+        mapPoints(tags, gc::kX2, from, to, vector);
+        mapPoints(tags, gc::kX3, from, to, vector);
     } else {
         return unplaceable("cannot be placed");
     }

@@ -24,7 +24,8 @@ struct Placement {
 
 // Rewrites an entity of the block (tags detached from their place, with its VERTEX or ATTRIB
 // entities) as the placement shows it. A nested block reference stays one, with the placements
-// combined. Fails, naming `block`, for kinds that cannot be placed (a hatch, a dimension, an unknown
+// combined; a hatch keeps its pattern where the placement shows it and is no longer associative.
+// Fails, naming `block`, for kinds that cannot be placed (a dimension, a multileader, an unknown
 // kind) and for shapes the placement would distort (a circle under unequal X and Y scales).
 Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view block);
 

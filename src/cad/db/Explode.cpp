@@ -6,6 +6,7 @@
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/MlineExplode.h"
 #include "cad/db/ObjectIdentity.h"
 #include "cad/db/Transform.h"
 #include "cad/dxf/NumberText.h"
@@ -23,30 +24,10 @@ constexpr int kAttributeInvisible = 1, kAttributeConstant = 2;
 
 // --- Pieces of polylines ----------------------------------------------------------------------
 
-// A new entity with the source's common properties (layer, colour, linetype, lineweight...).
-TagList pieceStart(const TagList& source, std::string_view type) {
-    static constexpr int kCommon[] = {gc::kLayer, gc::kLinetypeName, gc::kColor, gc::kTrueColor, gc::kColorName,
-                                      gc::kTransparency, gc::kLineweight, gc::kLinetypeScale, 60};
-    bool modern = source.hasMarkers();
-    TagList tags{{gc::kStructure, std::string(type)}};
-    if (modern) tags.add(gc::kSubclass, "AcDbEntity");
-    std::size_t end = ownEnd(source);
-    auto [from, to] = modern ? source.subclass("AcDbEntity") : source.subclass("");
-    if (from == TagList::npos) from = 1, to = end;
-    for (int code : kCommon)
-        if (auto value = source.text(code, from, to)) tags.add(code, std::string(*value));
-    if (tags.find(gc::kLayer) == TagList::npos) tags.add(gc::kLayer, "0");
-    return tags;
-}
-
 struct PathVertex {
     Point3 point;  // OCS for 2D polylines, WCS for 3D ones
     double bulge = 0;
 };
-
-void addNormal(TagList& tags, const Point3& normal) {
-    if (!isDefaultNormal(normal)) tags.addPoint(gc::kNormalX, normal);
-}
 
 void addSegments(std::vector<TagList>& out, const TagList& source, const std::vector<PathVertex>& vertices, bool closed,
                  bool planar, const Point3& normal, double thickness) {
@@ -216,6 +197,7 @@ Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
     if (type == "POLYLINE") return explodePolyline(tags);
     if (type == "INSERT") return explodeInsert(db, tags);
     if (type == "DIMENSION") return explodeDimension(db, tags);
+    if (type == "MLINE") return explodeMline(db, tags);
     return fail("cannot explode a " + std::string(type));
 }
 

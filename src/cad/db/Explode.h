@@ -16,9 +16,11 @@ namespace veltarn::db {
 //                            reference shows them; a nested reference stays one (explode again to
 //                            go deeper); attributes become TEXT (see Explode.cpp)
 //   DIMENSION                the entities of its block
+//   MLINE                    LINEs and ARCs, one per element and segment, caps and miters (see
+//                            MlineExplode.h)
 // Fails for every other kind, for a multiple insert, for a block that holds an entity that cannot
-// be placed (a hatch, a dimension, an unknown kind; a circle under unequal X and Y scales), and
-// for a reference to a missing block.
+// be placed (a dimension, a multileader, an unknown kind; a circle under unequal X and Y scales),
+// and for a reference to a missing block.
 Result<std::vector<TagList>> explode(const Database& db, Handle entity);
 
 // The EXPLODE command on one entity: the pieces are appended to the entity's block and the entity

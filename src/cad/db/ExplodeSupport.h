@@ -33,4 +33,11 @@ inline Point3 normalIn(const TagList& tags, std::size_t from, std::size_t to) {
 
 inline bool isDefaultNormal(const Point3& n) { return std::abs(n.x) < 1e-12 && std::abs(n.y) < 1e-12 && n.z > 0; }
 
+// A new entity of `type` with the source's common properties (layer, colour, linetype,
+// lineweight...), in the source's form (subclass markers or not); geometry follows.
+TagList pieceStart(const TagList& source, std::string_view type);
+
+// Adds the extrusion when it is not the default.
+void addNormal(TagList& tags, const Point3& normal);
+
 }  // namespace veltarn::db::explode_support

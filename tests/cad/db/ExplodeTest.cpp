@@ -8,6 +8,7 @@
 #include "cad/db/GroupCodes.h"
 #include "cad/db/SymbolTables.h"
 #include "cad/db/Transform.h"
+#include "cad/dxf/NumberText.h"
 
 #include <gtest/gtest.h>
 
@@ -153,9 +154,12 @@ TEST(Explode, PolylinesBreakIntoLinesAndArcsWithTheirProperties) {
 TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
     Database db = Database::createNew();
     Handle model = db.modelSpace();
-    Handle block = db.addBlock("HATCHED").value();
-    append(db, block, newHatch(db, "SOLID", {{{0, 0, 0}}, {{1, 0, 0}}, {{1, 1, 0}}}));
-    Handle hatched = append(db, model, newInsert(db, "HATCHED", {}));
+    Handle block = db.addBlock("DIMMED").value();
+    TagList dimension = newEntity(db, "DIMENSION");
+    dimension.add(100, "AcDbDimension");
+    dimension.addPoint(10, {});
+    append(db, block, dimension);
+    Handle dimmed = append(db, model, newInsert(db, "DIMMED", {}));
     Handle circles = db.addBlock("ROUND").value();
     append(db, circles, newCircle(db, {}, 1));
     TagList squashed = newInsert(db, "ROUND", {});
@@ -164,7 +168,7 @@ TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
     Handle line = append(db, model, newLine(db, {}, {1, 1, 0}));
     Handle missing = append(db, model, newInsert(db, "NOSUCH", {}));
     const std::string before = test::withoutSeed(db);
-    for (Handle h : {hatched, squash, line, missing}) EXPECT_FALSE(explodeInPlace(db, h).ok()) << formatHandle(h);
+    for (Handle h : {dimmed, squash, line, missing}) EXPECT_FALSE(explodeInPlace(db, h).ok()) << formatHandle(h);
     EXPECT_TRUE(test::withoutSeed(db) == before);
 
     // Locked layers are refused by the command, not by the plain explode.
@@ -174,6 +178,98 @@ TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
     Handle locked = append(db, model, onLocked);
     EXPECT_TRUE(explode(db, locked).ok());
     EXPECT_FALSE(explodeInPlace(db, locked).ok());
+}
+
+// Multilines break into what their style shows; hatches, multilines and wipeouts in a block are
+// placed with it (mirrored, scaled, tilted), as an independent explode places them.
+TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    auto dir = test::scratchDir("explode-kinds");
+    std::string output;
+    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "before.dxf").string(), &output), 0)
+        << output;
+    Database db = test::loadOrFail(dir / "before.dxf");
+    std::string handles;
+    std::vector<Handle> hatches;
+    for (Handle entity : db.entitiesOf(db.modelSpace())) {
+        handles += (handles.empty() ? "" : ",") + formatHandle(entity);
+        auto pieces = explodeInPlace(db, entity);
+        ASSERT_TRUE(pieces.ok()) << pieces.message();
+        for (Handle piece : *pieces) {
+            if (db.typeName(piece) == "HATCH" && db.tags(piece).text(2) == "ANSI31") hatches.push_back(piece);
+            // A placed multiline is compared by its own pieces.
+            if (db.typeName(piece) == "MLINE") {
+                ASSERT_TRUE(explodeInPlace(db, piece).ok());
+            }
+        }
+    }
+    ASSERT_TRUE(db.save(dir / "after.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "after.dxf"), "");
+    std::string differences;
+    EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/explode_check.py " + (dir / "before.dxf").string() + " " +
+                                  (dir / "after.dxf").string() + " " + handles, &differences), 0);
+    EXPECT_EQ(differences, "");
+
+    // The pattern goes with the hatch (the independent explode leaves it as it was): scaled and
+    // turned by the reference; the copies are no longer tied to boundary objects.
+    ASSERT_EQ(hatches.size(), 3u);
+    TagList first = db.tags(hatches[0]);
+    auto [from, to] = first.subclass("AcDbHatch");
+    EXPECT_DOUBLE_EQ(first.real(41, from, to).value(), 1.0);                            // 0.5 x 2
+    EXPECT_NEAR(first.real(52, from, to).value(), 45, 1e-9);                           // 15 + 30
+    EXPECT_NEAR(first.real(53, from, to).value(), 45 + 45, 1e-9);                       // ANSI31's 45-degree lines
+    EXPECT_EQ(first.integer(71, from, to), 0);
+    TagList mirrored = db.tags(hatches[1]);
+    std::tie(from, to) = mirrored.subclass("AcDbHatch");
+    EXPECT_DOUBLE_EQ(mirrored.real(41, from, to).value(), 0.75);
+    EXPECT_NEAR(mirrored.real(52, from, to).value(), std::fmod(45 + 180 - 15, 360), 1e-9);  // turned, read backwards
+}
+
+// Caps a multiline suppresses are not drawn; an element's breaks leave gaps in its pieces.
+TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    auto dir = test::scratchDir("explode-mline");
+    std::string output;
+    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
+        << output;
+    Database db = test::loadOrFail(dir / "in.dxf");
+    Handle open = db.entitiesOf(db.modelSpace()).front();
+    ASSERT_EQ(db.typeName(open), "MLINE");
+    auto count = [&](std::string_view type) {
+        auto pieces = explode(db, open);
+        EXPECT_TRUE(pieces.ok()) << pieces.message();
+        std::size_t n = 0;
+        for (const TagList& piece : pieces.value()) n += piece.type() == type;
+        return n;
+    };
+    // 4 elements x 3 segments, the start's square cap and the two inner miters in halves; at the end
+    // the round cap in two colours and one inner arc; at the start one inner arc.
+    EXPECT_EQ(count("LINE"), 12u + 2 + 2 * 2);
+    EXPECT_EQ(count("ARC"), 2u + 1 + 1);
+    {
+        ObjectWriter w = db.openForWrite(open);
+        auto [from, to] = w.tags().subclass("AcDbMline");
+        std::size_t flags = w.tags().find(71, from, to);
+        w.tags()[flags].value = std::to_string(dxf::parseInteger(w.tags()[flags].value).value_or(0) | 4 | 8);
+        // The first element's first segment: drawn from 0 to 3 and from 5 to its end.
+        std::size_t params = w.tags().find(74, from, to);
+        w.tags()[params].value = "4";
+        w.tags().insert(params + 3, 41, "3");
+        w.tags().insert(params + 4, 41, "5");
+    }
+    EXPECT_EQ(count("ARC"), 0u);
+    EXPECT_EQ(count("LINE"), 13u + 2 * 2);
+    // The first element runs along y = its offset on the first segment, (0,0) to (10,0).
+    TagList mline = db.tags(open);
+    auto [from, to] = mline.subclass("AcDbMline");
+    double y = mline.point(13, from, to)->y * mline.real(41, from, to).value();
+    std::vector<std::pair<double, double>> firstElement;
+    auto broken = explode(db, open);
+    ASSERT_TRUE(broken.ok());
+    for (const TagList& piece : *broken)
+        if (piece.type() == "LINE" && std::abs(piece.point(10)->y - y) < 1e-9 && std::abs(piece.point(11)->y - y) < 1e-9)
+            firstElement.emplace_back(piece.point(10)->x, piece.point(11)->x);
+    EXPECT_EQ(firstElement, (std::vector<std::pair<double, double>>{{0, 3}, {5, 10}}));
 }
 
 TEST(Explode, TheCommandIsUndoneWholeAndKeepsHandlesUnique) {
