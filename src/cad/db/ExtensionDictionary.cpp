@@ -44,7 +44,13 @@ Result<Handle> createExtensionDictionary(Database& db, Handle object) {
     if (auto converted = db.convertFromR12(); !converted) return converted.error();
     auto dictionary = createDictionary(db, object, true);
     if (!dictionary) return dictionary.error();
+    if (auto attached = attachExtensionDictionary(db, object, *dictionary); !attached) return attached.error();
+    return *dictionary;
+}
+
+Result<void> attachExtensionDictionary(Database& db, Handle object, Handle dictionary) {
     ObjectWriter writer = db.openForWrite(object, true);
+    if (!writer) return dxf::makeError("cannot give object " + formatHandle(object) + " an extension dictionary: " + describe(writer.status()));
     TagList& tags = writer.tags();
     // A stale group (pointing at an erased dictionary) is replaced.
     if (std::size_t old = xdictionaryGroup(tags); old != TagList::npos) {
@@ -59,9 +65,9 @@ Result<Handle> createExtensionDictionary(Database& db, Handle object) {
         if (close != TagList::npos) at = close + 1;
     }
     tags.insert(at, gc::kControlString, kXdictionaryGroup);
-    tags.insert(at + 1, gc::kHardOwner, formatHandle(*dictionary));
+    tags.insert(at + 1, gc::kHardOwner, formatHandle(dictionary));
     tags.insert(at + 2, gc::kControlString, kGroupEnd);
-    return *dictionary;
+    return {};
 }
 
 bool releaseExtensionDictionary(Database& db, Handle object) {

@@ -12,6 +12,9 @@ Handle extensionDictionary(const Database& db, Handle object);
 // Creates the extension dictionary, or returns the one the object has. Fails on an object that
 // cannot be opened for write. An R12 drawing is converted to 2018 first.
 Result<Handle> createExtensionDictionary(Database& db, Handle object);
+// Makes `dictionary` (already owned by the object) the object's extension dictionary, replacing
+// the group of one it had: for a dictionary copied whole from another drawing.
+Result<void> attachExtensionDictionary(Database& db, Handle object, Handle dictionary);
 // Releases the extension dictionary when it is empty: the dictionary is erased and the group
 // removed. Returns false (and changes nothing) when it still holds entries or there is none.
 bool releaseExtensionDictionary(Database& db, Handle object);

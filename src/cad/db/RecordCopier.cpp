@@ -1,6 +1,7 @@
 #include "cad/db/RecordCopier.h"
 
 #include "cad/db/Dictionary.h"
+#include "cad/db/ExtensionDictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/ObjectIdentity.h"
 #include "cad/db/SymbolTables.h"
@@ -87,6 +88,7 @@ private:
         if (auto fixed = translate(tags); !fixed) return fixed.error();
         auto added = to_.addRecord(table, std::move(tags), handle);
         if (!added) return added.error();
+        if (auto data = extensionDictionaryOf(source, handle); !data) return data.error();
         return handle;
     }
 
@@ -119,7 +121,9 @@ private:
             TagList tags = detached(from_.tags(entities[i]));
             if (auto fixed = translate(tags); !fixed) return fixed.error();
             if (auto added = to_.appendEntity(*made, std::move(tags), handles[i]); !added) return added.error();
+            if (auto data = extensionDictionaryOf(entities[i], handles[i]); !data) return data.error();
         }
+        if (auto data = extensionDictionaryOf(source, *made); !data) return data.error();
         return *made;
     }
 
@@ -144,6 +148,7 @@ private:
         if (dictionary == "ACAD_LAYOUT") tags.setIntegerIn("AcDbLayout", gc::kInt71, static_cast<std::int64_t>(layoutNames(to_).size()));
         auto added = to_.addObject(std::move(tags), handle);
         if (!added) return added.error();
+        if (auto data = extensionDictionaryOf(source, handle); !data) return data.error();
         auto parent = ::veltarn::db::namedDictionary(to_, dictionary, true);
         if (!parent) return parent.error();
         if (auto set = setEntry(to_, *parent, key, handle); !set) return set.error();
@@ -160,6 +165,54 @@ private:
         return handle;
     }
 
+    // The data an application keeps about a copied object goes with it: its extension dictionary
+    // with everything the dictionary owns.
+    Result<void> extensionDictionaryOf(Handle source, Handle copy) {
+        Handle theirs = extensionDictionary(from_, source);
+        if (theirs == kNoHandle) return {};
+        auto mine = ownedObject(theirs, copy);
+        if (!mine) return mine.error();
+        if (*mine == kNoHandle) return {};
+        return attachExtensionDictionary(to_, copy, *mine);
+    }
+
+    // An object owned by `owner` (a dictionary with its entries, an xrecord...), copied whole.
+    Result<Handle> ownedObject(Handle source, Handle owner) {
+        if (auto it = map_.find(source); it != map_.end()) return it->second;
+        if (!from_.exists(source)) return kNoHandle;
+        Handle handle = to_.allocateHandle();
+        map_[source] = handle;
+        TagList tags = detached(from_.tags(source));
+        if (isDictionaryType(tags.type())) {
+            // Entries own their objects: those are copied under the new dictionary; an entry
+            // whose object is gone is left out with its key.
+            for (std::size_t i = 1; i < tags.size(); ++i) {
+                if (tags[i].code != gc::kHardOwner && tags[i].code != gc::kSoftOwner) {
+                    if (!isPointer(tags[i].code)) continue;
+                    auto other = object(parseHandle(tags[i].value).value_or(kNoHandle));  // a default entry
+                    if (!other) return other.error();
+                    tags[i].value = formatHandle(*other);
+                    continue;
+                }
+                auto child = ownedObject(parseHandle(tags[i].value).value_or(kNoHandle), handle);
+                if (!child) return child.error();
+                if (*child != kNoHandle) {
+                    tags[i].value = formatHandle(*child);
+                } else if (i > 1 && tags[i - 1].code == gc::kOtherName) {
+                    tags.erase(--i, 2);
+                    --i;
+                }
+            }
+        } else if (auto fixed = translate(tags, true); !fixed) {
+            return fixed.error();
+        }
+        setIdentity(tags, handle, gc::kHandle, owner, true);
+        auto added = to_.addObject(std::move(tags), handle);
+        if (!added) return added.error();
+        if (auto data = extensionDictionaryOf(source, handle); !data) return data.error();
+        return handle;
+    }
+
     Result<void> ensure(std::string_view table, std::string_view name) {
         std::string_view trimmed = dxf::trimSpaces(name);
         if (trimmed.empty() || sameName(trimmed, "ByLayer") || sameName(trimmed, "ByBlock")) return {};
@@ -169,15 +222,16 @@ private:
     }
 
     // Pointers lead to the target's objects (copying what they need); names of layers, linetypes,
-    // styles and blocks are made to exist in the target.
-    Result<void> translate(TagList& tags) {
+    // styles and blocks are made to exist in the target. A pointer to what the target does not get
+    // is dropped, or with `keepPlaces` (values of an xrecord, whose order means something) nulled.
+    Result<void> translate(TagList& tags, bool keepPlaces = false) {
         for (std::size_t i = 1; i < tags.size(); ++i) {
             if (!isPointer(tags[i].code)) continue;
             Handle source = parseHandle(tags[i].value).value_or(kNoHandle);
             if (source == kNoHandle) continue;
             auto mine = object(source);
             if (!mine) return mine.error();
-            if (*mine != kNoHandle || tags[i].code == kXdataHandle) {
+            if (*mine != kNoHandle || tags[i].code == kXdataHandle || keepPlaces) {
                 tags[i].value = formatHandle(*mine);
             } else {
                 tags.erase(i--);  // what it pointed at is not in the target

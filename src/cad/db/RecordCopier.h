@@ -20,7 +20,8 @@ std::vector<std::string> recordNamesOf(const Database& db, RecordKind kind);
 // Copies the records named `names` (any case) from `source` into `target` and returns the names
 // copied. A record the target already has (same name, any case) is kept as it is and not copied;
 // references to it from copied records lead to the target's own. Names the source lacks are
-// skipped. Copies get new handles. Extension dictionaries are not copied. On failure nothing is
+// skipped. Copies get new handles; the extension dictionaries of copied records and entities are
+// copied with them (their xrecords' pointers translated). On failure nothing is
 // left half copied: the target is as it was. Works inside the target's open command (the copy
 // joins it) or opens one of its own.
 Result<std::vector<std::string>> copyRecords(Database& target, const Database& source, RecordKind kind,

@@ -3,6 +3,7 @@
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/EntityFactory.h"
+#include "cad/db/ExtensionDictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/RecordCopier.h"
 #include "cad/db/SymbolTables.h"
@@ -94,6 +95,53 @@ TEST(RecordCopier, RecordsComeWithWhatTheyReferToAndExistingOnesAreKept) {
     EXPECT_EQ(test::audit(dir / "t.dxf"), "");
     Database back = test::loadOrFail(dir / "t.dxf");
     EXPECT_EQ(layoutNames(back).size(), 3u);
+}
+
+// The data applications keep about a record or entity (its extension dictionary, xrecords and
+// nested dictionaries) goes with the copy; pointers in it lead into the target or become null.
+TEST(RecordCopier, ExtensionDictionariesGoWithTheirRecords) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database source = Database::createNew();
+    writeLayer(source, {.name = "ROADS", .color = 3}).value();
+    Handle roads = source.findRecord("LAYER", "ROADS");
+    Handle stray = source.appendEntity(source.modelSpace(), newLine(source, {}, {1, 1, 0})).value();
+    Handle block = source.addBlock("SYM").value();
+    TagList line = newLine(source, {}, {2, 0, 0});
+    line.setIn("AcDbEntity", 8, "ROADS");
+    Handle marked = source.appendEntity(block, line).value();
+    Handle data = createExtensionDictionary(source, marked).value();
+    const ResultBuffer values{TypedValue::ofText(1, "pipe-7"), TypedValue::ofReal(40, 0.3), TypedValue::ofHandle(340, roads),
+                              TypedValue::ofHandle(340, stray), TypedValue::ofPoint(10, {1, 2, 3})};
+    (void)addXrecord(source, data, "PIPES", values).value();
+    Handle nested = childDictionary(source, data, "NESTED", true).value();
+    (void)addXrecord(source, nested, "INNER", {TypedValue::ofInteger(90, 42)}).value();
+    Handle layerData = createExtensionDictionary(source, roads).value();
+    (void)addXrecord(source, layerData, "NOTE", {TypedValue::ofText(1, "surveyed")}).value();
+
+    Database target = Database::createNew();
+    EXPECT_EQ(names(copyRecords(target, source, RecordKind::Block, {"SYM"}).value()), "SYM");
+    Handle copy = target.entitiesOf(target.findBlock("SYM")).front();
+    Handle copiedData = extensionDictionary(target, copy);
+    ASSERT_NE(copiedData, kNoHandle);
+    EXPECT_EQ(target.ownerOf(copiedData), copy);
+    Handle xrecord = findEntry(target, copiedData, "PIPES");
+    EXPECT_EQ(target.ownerOf(xrecord), copiedData);
+    ResultBuffer expected = values;
+    expected[2] = TypedValue::ofHandle(340, target.findRecord("LAYER", "ROADS"));  // the layer came with the block
+    expected[3] = TypedValue::ofHandle(340, kNoHandle);                              // the stray line did not
+    EXPECT_EQ(readXrecord(target, xrecord).value(), expected);
+    Handle copiedNested = findEntry(target, copiedData, "NESTED");
+    EXPECT_EQ(target.ownerOf(copiedNested), copiedData);
+    EXPECT_EQ(readXrecord(target, findEntry(target, copiedNested, "INNER")).value(), (ResultBuffer{TypedValue::ofInteger(90, 42)}));
+    // The layer, copied because the line is on it, brought its own data.
+    Handle note = findEntry(target, extensionDictionary(target, target.findRecord("LAYER", "ROADS")), "NOTE");
+    EXPECT_EQ(readXrecord(target, note).value(), (ResultBuffer{TypedValue::ofText(1, "surveyed")}));
+    // Nothing points back into the source.
+    expectPointersResolve(target, {copy, copiedData, xrecord, copiedNested, note});
+
+    auto dir = test::scratchDir("record-copier-data");
+    ASSERT_TRUE(target.save(dir / "t.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "t.dxf"), "");
 }
 
 TEST(RecordCopier, ACopyIsUndoneWholeAndConvertsAnR12Target) {
