@@ -2,6 +2,8 @@
 
 #include "cad/db/EntityProperties.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/MlineStyle.h"
+#include "cad/db/SymbolTables.h"
 #include "cad/dxf/NumberText.h"
 
 namespace veltarn::db {
@@ -133,6 +135,27 @@ TagList newHatch(const Database& db, std::string_view pattern, const std::vector
     path.flags = 1 | 2;  // external, polyline
     path.vertices = boundary;
     setHatchPaths(tags, {path});
+    return tags;
+}
+
+TagList newMline(const Database& db, const std::vector<Point3>& vertices, bool closed) {
+    std::string name = std::string(dxf::trimSpaces(db.headerVariable("$CMLSTYLE").value_or("Standard")));
+    Handle style = namedEntry(db, "ACAD_MLINESTYLE", name);
+    if (style == kNoHandle) style = namedEntry(db, "ACAD_MLINESTYLE", name = "Standard");
+    auto definition = readMlineStyle(db, style);
+    if (!definition || vertices.size() < 2) return {};
+    TagList tags = newEntity(db, "MLINE");
+    tags.add(gc::kSubclass, "AcDbMline");
+    tags.add(gc::kName, definition->name.empty() ? name : definition->name);
+    tags.add(340, formatHandle(style));
+    tags.add(gc::kReal, db.headerVariable("$CMLSCALE").value_or("1"));
+    tags.add(gc::kFlags, db.headerVariable("$CMLJUST").value_or("0"));
+    tags.addInteger(gc::kInt71, closed ? 3 : 1);
+    tags.addInteger(72, static_cast<std::int64_t>(vertices.size()));
+    tags.addInteger(gc::kInt73, static_cast<std::int64_t>(definition->elements.size()));
+    tags.addPoint(gc::kX, vertices[0]);
+    tags.addPoint(gc::kNormalX, {0, 0, 1});
+    if (!setMlineVertices(db, tags, vertices)) return {};
     return tags;
 }
 

@@ -20,6 +20,10 @@ TagList newLwpolyline(const Database& db, const std::vector<Vertex>& vertices, b
 TagList newText(const Database& db, const Point3& at, double height, std::string_view text);
 TagList newMtext(const Database& db, const Point3& at, double height, std::string_view text);
 TagList newInsert(const Database& db, std::string_view block, const Point3& at, double scale = 1, double rotationDegrees = 0);
+// A multiline through `vertices` in the style, justification and scale the drawing draws with
+// ($CMLSTYLE, $CMLJUST, $CMLSCALE; "Standard" when the style is missing). Empty tags when the
+// drawing has no such style or fewer than two vertices are given.
+TagList newMline(const Database& db, const std::vector<Point3>& vertices, bool closed);
 // A hatch of one closed polyline path; "SOLID" gives a solid fill.
 TagList newHatch(const Database& db, std::string_view pattern, const std::vector<Vertex>& boundary);
 

@@ -1,6 +1,7 @@
 // Geometry of the entity kinds read and written by the database. Simple kinds keep their points
 // and sizes in fixed group codes (see `GeometryCodes`); polylines, hatches, splines, multilines,
-// wipeouts and block references with attributes have functions of their own here.
+// wipeouts and block references with attributes have functions of their own here (multileaders
+// in Multileader.h).
 #pragma once
 
 #include "cad/db/Database.h"
@@ -36,6 +37,14 @@ bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>&
 std::vector<Point3> pointList(const TagList& tags, std::string_view marker, int code);
 // Replaces them; the count tag (SPLINE 73/74, MLINE 72, WIPEOUT 91) is kept in step.
 bool setPointList(TagList& tags, std::string_view marker, int code, const std::vector<Point3>& points);
+
+// MLINE vertices (WCS). Writing them recomputes what each vertex carries from the multiline's
+// style, justification (70), scale (40), closed flag and extrusion: the segment direction, the
+// miter (bisecting the corner; at open ends turned by the style's end angles) and each element's
+// offset along the miter, as CAD programs store them. A vertex that repeats the one before is
+// dropped. Fails for fewer than two vertices or a multiline whose style is missing.
+std::vector<Point3> mlineVertices(const TagList& tags);
+bool setMlineVertices(const Database& db, TagList& tags, const std::vector<Point3>& vertices);
 
 // HATCH boundary paths, every kind: polyline paths and edge paths of lines, arcs, elliptic arcs
 // and splines. Edge data is kept as its tags so that a path written back is the path read.

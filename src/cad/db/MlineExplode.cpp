@@ -2,7 +2,7 @@
 
 #include "cad/db/ExplodeSupport.h"
 #include "cad/db/GroupCodes.h"
-#include "cad/db/SymbolTables.h"
+#include "cad/db/MlineStyle.h"
 #include "cad/db/Transform.h"
 #include "cad/dxf/NumberText.h"
 
@@ -18,42 +18,15 @@ namespace {
 constexpr int kMlineClosed = 2, kSuppressStartCaps = 4, kSuppressEndCaps = 8;
 constexpr int kShowMiters = 2, kStartSquare = 16, kStartInnerArcs = 32, kStartRound = 64;
 constexpr int kEndSquare = 256, kEndInnerArcs = 512, kEndRound = 1024;
-constexpr int kStylePointer = 340, kElementCount = 71, kElementOffset = 49;
 constexpr int kVertex = gc::kX2, kDirection = gc::kX3, kMiter = gc::kX4, kParamCount = 74, kParam = 41;
 constexpr double kTiny = 1e-12;
 
-struct Element {
-    double offset = 0;
-    std::string color = "0";  // ByBlock: the multiline's own
-    std::string linetype = "BYBLOCK";
-};
+using Element = MlineElement;
 
 struct MlineVertex {
     Point3 point, direction, miter;
     std::vector<std::vector<double>> params;  // per element: its offset along the miter, then its breaks
 };
-
-std::vector<Element> styleElements(const Database& db, const TagList& tags, std::size_t from, std::size_t to, int& flags) {
-    Handle style = parseHandle(tags.text(kStylePointer, from, to).value_or("")).value_or(kNoHandle);
-    if (db.typeName(style) != "MLINESTYLE")
-        style = namedEntry(db, "ACAD_MLINESTYLE", dxf::trimSpaces(tags.text(gc::kName, from, to).value_or("")));
-    std::vector<Element> out;
-    if (style == kNoHandle || db.typeName(style) != "MLINESTYLE") return out;
-    TagList definition = db.tags(style);
-    auto [begin, end] = definition.subclass("AcDbMlineStyle");
-    if (begin == TagList::npos) return out;
-    flags = static_cast<int>(definition.integer(gc::kFlags, begin, end).value_or(0));
-    std::size_t count = definition.find(kElementCount, begin, end);
-    // Before the element count, 62 is the fill colour; after it, each 49 starts an element.
-    for (std::size_t i = count == TagList::npos ? end : count + 1; i < end; ++i) {
-        const TagValue& tag = definition[i];
-        if (tag.code == kElementOffset) out.emplace_back().offset = dxf::parseReal(tag.value).value_or(0);
-        else if (out.empty()) continue;
-        else if (tag.code == gc::kColor) out.back().color = std::string(dxf::trimSpaces(tag.value));
-        else if (tag.code == gc::kLinetypeName) out.back().linetype = std::string(dxf::trimSpaces(tag.value));
-    }
-    return out;
-}
 
 std::vector<MlineVertex> vertices(const TagList& tags, std::size_t from, std::size_t to) {
     std::vector<MlineVertex> out;
@@ -199,8 +172,9 @@ private:
 Result<std::vector<TagList>> explodeMline(const Database& db, const TagList& tags) {
     auto [from, to] = tags.subclass("AcDbMline");
     if (from == TagList::npos) return fail("an MLINE without its AcDbMline data");
-    int styleFlags = 0;
-    std::vector<Element> elements = styleElements(db, tags, from, to, styleFlags);
+    auto style = mlineStyleOf(db, tags);
+    int styleFlags = style ? style->flags : 0;
+    std::vector<Element> elements = style ? style->elements : std::vector<Element>{};
     std::vector<MlineVertex> points = vertices(tags, from, to);
     if (points.size() < 2) return fail("cannot explode a multiline with fewer than two vertices");
     // Without its style, the elements are what the vertices hold, in the multiline's own look.

@@ -223,6 +223,44 @@ TEST(Geometry, HatchBoundariesOfEveryKindAreReadAndWrittenBack) {
     EXPECT_NE(dumpEntities(dir / "out.dxf").find("paths=2"), std::string::npos);
 }
 
+// A multiline's vertices carry its directions, miters and element offsets: written from the style,
+// justification and scale as an independent writer computes them.
+TEST(Geometry, MultilineVerticesAreWrittenWithTheirMitersAndOffsets) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    auto dir = test::scratchDir("mline");
+    std::string output;
+    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
+        << output;
+    Database db = test::loadOrFail(dir / "in.dxf");
+    Handle model = db.modelSpace();
+    std::vector<Handle> checked;
+    // Drawn in the drawing's current style, then centred and doubled.
+    checked.push_back(db.appendEntity(model, newMline(db, {{0, 20, 0}, {10, 20, 0}, {10, 26, 0}, {4, 21, 0}}, false)).value());
+    ASSERT_TRUE(db.setHeaderVariable("$CMLJUST", 70, "1").ok());
+    ASSERT_TRUE(db.setHeaderVariable("$CMLSCALE", 40, "2").ok());
+    checked.push_back(db.appendEntity(model, newMline(db, {{20, 20, 0}, {30, 20, 0}, {25, 28, 0}}, true)).value());
+    EXPECT_EQ(mlineStyle(db.tags(checked.back())), "CAPPED");
+    // An existing multiline moved to new vertices, one of them repeated.
+    Handle existing = db.entitiesOf(model).front();
+    const std::vector<Point3> moved{{0, -10, 0}, {5, -5, 0}, {5, -5, 0}, {12, -5, 0}};
+    {
+        ObjectWriter w = db.openForWrite(existing);
+        ASSERT_TRUE(setMlineVertices(db, w.tags(), moved));
+    }
+    EXPECT_EQ(mlineVertices(db.tags(existing)), (std::vector<Point3>{moved[0], moved[1], moved[3]}));
+    checked.push_back(existing);
+    EXPECT_TRUE(newMline(db, {{0, 0, 0}}, false).empty());
+
+    ASSERT_TRUE(db.save(dir / "out.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "out.dxf"), "");
+    std::string handles;
+    for (Handle h : checked) handles += (handles.empty() ? "" : ",") + formatHandle(h);
+    std::string differences;
+    EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/check_mlines.py " + (dir / "out.dxf").string() + " " + handles,
+                              &differences), 0);
+    EXPECT_EQ(differences, "");
+}
+
 TEST(EntityCreation, EveryFactoryKindIsCleanForTheAuditor) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = Database::createNew();
@@ -232,13 +270,13 @@ TEST(EntityCreation, EveryFactoryKindIsCleanForTheAuditor) {
     for (TagList tags : {newPoint(db, {1, 2, 3}), newLine(db, {0, 0, 0}, {1, 0, 0}), newCircle(db, {0, 0, 0}, 2),
                          newArc(db, {0, 0, 0}, 2, 0, 90), newLwpolyline(db, square, true), newText(db, {}, 1, "t"),
                          newMtext(db, {}, 1, "m"), newInsert(db, "Mark", {5, 5, 0}, 2, 30), newHatch(db, "SOLID", square),
-                         newHatch(db, "ANSI31", square)})
+                         newHatch(db, "ANSI31", square), newMline(db, {{0, 0, 0}, {4, 0, 0}, {4, 3, 0}}, false)})
         ASSERT_TRUE(db.appendEntity(db.modelSpace(), std::move(tags)).ok());
     auto dir = test::scratchDir("factory");
     ASSERT_TRUE(db.save(dir / "f.dxf").ok());
     EXPECT_EQ(test::audit(dir / "f.dxf"), "");
     std::string dump = dumpEntities(dir / "f.dxf");
-    EXPECT_EQ(std::count(dump.begin(), dump.end(), '\n'), 10);
+    EXPECT_EQ(std::count(dump.begin(), dump.end(), '\n'), 11);
 }
 
 }  // namespace
