@@ -12,6 +12,7 @@ namespace veltarn::db {
 //   LWPOLYLINE, 2D POLYLINE  LINEs and ARCs (bulges), with the polyline's layer, colour, linetype,
 //                            lineweight and thickness; widths are lost, as in CAD programs
 //   3D POLYLINE              LINEs
+//   polyface, polygon mesh   3DFACEs (with their invisible edges; not a smoothed mesh)
 //   INSERT                   the block's entities, moved, scaled, rotated and mirrored as the
 //                            reference shows them; a nested reference stays one (explode again to
 //                            go deeper); attributes become TEXT (see Explode.cpp)

@@ -1,9 +1,10 @@
 #!/usr/bin/python3
-"""Writes a drawing for explode: multilines (a style with miters, square, round and inner-arc caps,
+"""Writes a drawing for explode: a polyface and a polygon mesh (closed one way), multilines (a style with miters, square, round and inner-arc caps,
 elements of different colours) in model space and in a block, and a block holding hatches of every
 boundary kind (lines, counter-clockwise and clockwise arcs, an elliptic arc, a spline, a polyline
 path with bulges) with a pattern, a solid hatch and a wipeout; the block is referenced rotated and
 scaled, mirrored, and in a tilted plane. Usage: make_explode_kinds.py OUT.dxf"""
+import math
 import sys
 import ezdxf
 
@@ -19,6 +20,14 @@ doc.header["$CMLSTYLE"] = "CAPPED"
 
 msp.add_mline([(0, 0), (10, 0), (10, 6), (16, 9)], dxfattribs={"style_name": "CAPPED", "layer": "WALLS"})
 msp.add_mline([(20, 0), (30, 0), (25, 8)], close=True, dxfattribs={"style_name": "CAPPED", "color": 5})
+faces = msp.add_polyface(dxfattribs={"layer": "MESH"})
+faces.append_faces([[(100, 0, 0), (102, 0, 0), (102, 2, 1), (100, 2, 1)], [(102, 0, 0), (104, 0, 0), (102, 2, 1)]], dxfattribs={"color": 4})
+faces.optimize()
+tube = msp.add_polymesh(size=(3, 4))
+for m in range(3):
+    for n in range(4):
+        tube.set_mesh_vertex((m, n), (110 + 2 * m, 2 * math.cos(n * math.pi / 2), 2 * math.sin(n * math.pi / 2)))
+tube.close(False, True)
 
 block = doc.blocks.new("HB", base_point=(1, 1))
 edges = block.add_hatch(color=3)
