@@ -293,7 +293,7 @@ void expectChangeTaken(TagList tags, const Multileader& read) {
     EXPECT_EQ(*got, contentOnly(want));
 }
 
-TEST(Multileader, BrokenGroupsAreRefusedWithoutChangeAndNothingCrashes) {
+TEST(Multileader, DamagedTagsAreRefusedWithoutChangeOrStillTakeAChange) {
     Database db = Database::createNew();
     auto made = newMultileader(db, {10, 10, 0}, 2, "x", {{0, 0, 0}, {2, 3, 0}});
     ASSERT_TRUE(made.ok()) << made.message();
@@ -349,6 +349,18 @@ TEST(Multileader, BrokenGroupsAreRefusedWithoutChangeAndNothingCrashes) {
         EXPECT_FALSE(setMultileader(kept, bad).ok());
         EXPECT_EQ(kept, good);
     }
+
+    // Indices that repeat still match each group once: the second leader changes, the first stays.
+    Multileader two = value;
+    two.leaders.push_back(newLeader({-5, 0, 0}, {{{-9, -9, 0}}}));
+    TagList twins = good;
+    ASSERT_TRUE(setMultileader(twins, two).ok());
+    for (std::size_t i = 0; i < twins.size(); ++i)
+        if (twins[i].code == 302) twins[twins.find(90, i)].value = "0";
+    two = *multileader(twins);
+    ASSERT_EQ(two.leaders.at(1).index, 0);
+    two.leaders[1].connection.x = -6;
+    expectChangeTaken(twins, two);
 
     // Any tag missing, any value garbled, the list cut anywhere: a failure or a multileader that
     // takes a change; never a crash.
