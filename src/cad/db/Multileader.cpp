@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace veltarn::db {
 namespace {
@@ -447,14 +448,18 @@ struct Templates {
     }
 };
 
+// The next index above all others (the highest int stays: a file that holds it gets no new one past it).
 struct Indices {
     int nextLeader = 0, nextLine = 0;
+    static int above(int index) { return index < INT32_MAX ? index + 1 : index; }
     void see(const std::vector<Multileader::Leader>& leaders) {
         for (const Multileader::Leader& leader : leaders) {
-            nextLeader = std::max(nextLeader, leader.index + 1);
-            for (const Multileader::Line& line : leader.lines) nextLine = std::max(nextLine, line.index + 1);
+            nextLeader = std::max(nextLeader, above(leader.index));
+            for (const Multileader::Line& line : leader.lines) nextLine = std::max(nextLine, above(line.index));
         }
     }
+    int takeLeader() { return std::exchange(nextLeader, above(nextLeader)); }
+    int takeLine() { return std::exchange(nextLine, above(nextLine)); }
 };
 
 // The index of the first unused entry of `had` with the index `index`; -1 when none.
@@ -480,7 +485,7 @@ void writeLeader(TagList& out, const TagList& tags, const LeaderSpan& span, cons
     for (const Multileader::Line& line : want.lines) {
         int k = match(had.lines, used, line.index);
         if (k < 0) {
-            append(out, templates.newLine(line, indices.nextLine++));
+            append(out, templates.newLine(line, indices.takeLine()));
             continue;
         }
         const Span& s = span.lines[static_cast<std::size_t>(k)];
@@ -496,10 +501,10 @@ void writeNewLeader(TagList& out, const Multileader::Leader& want, const Templat
     TagList head = templates.leaderHead;
     putPoint(head, kConnection, want.connection);
     putPoint(head, kDoglegDirection, want.doglegDirection);
-    putInteger(head, kLeaderIndex, indices.nextLeader++);
+    putInteger(head, kLeaderIndex, indices.takeLeader());
     putReal(head, kDoglegLength, want.doglegLength);
     append(out, head);
-    for (const Multileader::Line& line : want.lines) append(out, templates.newLine(line, indices.nextLine++));
+    for (const Multileader::Line& line : want.lines) append(out, templates.newLine(line, indices.takeLine()));
     append(out, templates.leaderTail);
 }
 
@@ -536,9 +541,9 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     auto located = locate(tags);
     if (!located) return located.error();
     const Layout& at = *located;
-    auto read_ = read(tags, at);
-    if (!read_) return read_.error();
-    const Multileader& had = *read_;
+    auto current = read(tags, at);
+    if (!current) return current.error();
+    const Multileader& had = *current;
     if (value == had) return {};
     if (std::string why = check(value); !why.empty()) return fault(tags, why);
 
@@ -573,18 +578,18 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     }
     append(out, text);
 
-    TagList block = at.hasBlock == npos ? TagList{} : slice(tags, at.hasBlock, pieceEnd(at, at.hasBlock));
+    TagList content = at.hasBlock == npos ? TagList{} : slice(tags, at.hasBlock, pieceEnd(at, at.hasBlock));
     if (!kindChanged && value.content == Content::Block) {
-        if (value.block != had.block) putText(block, kBlock, formatHandle(value.block));
-        if (value.blockPosition != had.blockPosition) putPoint(block, kBlockPosition, value.blockPosition);
-        if (value.blockScale != had.blockScale) putPoint(block, kBlockScale, value.blockScale);
-        if (value.blockRotation != had.blockRotation) putReal(block, kBlockRotation, value.blockRotation);
+        if (value.block != had.block) putText(content, kBlock, formatHandle(value.block));
+        if (value.blockPosition != had.blockPosition) putPoint(content, kBlockPosition, value.blockPosition);
+        if (value.blockScale != had.blockScale) putPoint(content, kBlockScale, value.blockScale);
+        if (value.blockRotation != had.blockRotation) putReal(content, kBlockRotation, value.blockRotation);
     } else if (kindChanged && value.content == Content::Block) {
-        block = defaultBlock(value);
+        content = defaultBlock(value);
     } else if (kindChanged && at.hasBlock != npos) {
-        block = {{kHasBlock, "0"}};
+        content = {{kHasBlock, "0"}};
     }
-    append(out, block);
+    append(out, content);
 
     if (at.plane != npos) {
         TagList plane = slice(tags, at.plane, at.leadersAt);
@@ -603,8 +608,9 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     // The entity's copies of context values follow them where the entity has them.
     if (value.scale != had.scale && own.find(kEntityScale) != npos) putReal(own, kEntityScale, value.scale);
     if (value.arrowSize != had.arrowSize && own.find(kEntityArrowSize) != npos) putReal(own, kEntityArrowSize, value.arrowSize);
-    if (value.blockScale != had.blockScale && own.find(kEntityBlockScale) != npos) putPoint(own, kEntityBlockScale, value.blockScale);
-    if (value.blockRotation != had.blockRotation && own.find(kEntityBlockRotation) != npos)
+    bool block = value.content == Content::Block;
+    if (block && value.blockScale != had.blockScale && own.find(kEntityBlockScale) != npos) putPoint(own, kEntityBlockScale, value.blockScale);
+    if (block && value.blockRotation != had.blockRotation && own.find(kEntityBlockRotation) != npos)
         putReal(own, kEntityBlockRotation, value.blockRotation);
     append(out, own);
     append(out, slice(tags, at.ownEnd, tags.size()));
