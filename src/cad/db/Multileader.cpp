@@ -23,7 +23,7 @@ constexpr std::string_view kContextText = "CONTEXT_DATA{", kLeaderText = "LEADER
 constexpr int kScale = 40, kBasePoint = 10, kTextHeight = 41, kArrowSize = 140, kLandingGap = 145;
 constexpr int kHasText = 290, kHasBlock = 296, kPlaneOrigin = 110, kPlaneReversed = 297, kContextTopAttachment = 272;
 // MTEXT content.
-constexpr int kText = 304, kTextLocation = 12, kTextDirection = 13, kTextAttachment = 171;
+constexpr int kText = 304, kTextLocation = 12, kTextDirection = 13, kTextRotation = 42, kTextAttachment = 171;
 // Block content.
 constexpr int kBlock = 341, kBlockPosition = 15, kBlockScale = 16, kBlockRotation = 46;
 // Leaders and lines.
@@ -358,6 +358,9 @@ std::string check(const Multileader& v) {
     return {};
 }
 
+// The text's rotation (radians) kept with its direction.
+double rotationOf(const Point3& direction) { return std::atan2(direction.y, direction.x); }
+
 // The content groups as a CAD program writes them new.
 TagList defaultText(const Multileader& v, std::string_view textStyle) {
     TagList t;
@@ -367,7 +370,7 @@ TagList defaultText(const Multileader& v, std::string_view textStyle) {
     t.add(340, std::string(textStyle));
     t.addPoint(kTextLocation, v.textLocation);
     t.addPoint(kTextDirection, v.textDirection);
-    t.addReal(42, std::atan2(v.textDirection.y, v.textDirection.x));  // rotation, radians
+    t.addReal(kTextRotation, rotationOf(v.textDirection));
     t.add(43, "0");    // width: none, no wrapping
     t.add(44, "0");    // defined height
     t.add(45, "1");    // line spacing factor
@@ -567,7 +570,10 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     if (!kindChanged && value.content == Content::Mtext) {
         if (value.text != had.text) putText(text, kText, value.text);
         if (value.textLocation != had.textLocation) putPoint(text, kTextLocation, value.textLocation);
-        if (value.textDirection != had.textDirection) putPoint(text, kTextDirection, value.textDirection);
+        if (value.textDirection != had.textDirection) {
+            putPoint(text, kTextDirection, value.textDirection);
+            if (text.find(kTextRotation) != npos) putReal(text, kTextRotation, rotationOf(value.textDirection));
+        }
         if (value.textAttachment != had.textAttachment) putInteger(text, kTextAttachment, value.textAttachment);
     } else if (kindChanged && value.content == Content::Mtext) {
         auto style = own.text(kEntityTextStyle);

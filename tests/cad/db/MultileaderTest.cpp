@@ -31,8 +31,8 @@ std::string describe(Handle handle, const Multileader& m) {
                       " height=" + num(m.textHeight) + " arrow=" + num(m.arrowSize) + " gap=" + num(m.landingGap) +
                       " plane=" + pt(m.planeOrigin) + "\n";
     if (m.content == Content::Mtext)
-        out += "text \"" + m.text + "\" at=" + pt(m.textLocation) + " direction=" + pt(m.textDirection) +
-               " attachment=" + std::to_string(m.textAttachment) + "\n";
+        out += "text \"" + m.text + "\" at=" + pt(m.textLocation) + " direction=" + pt(m.textDirection) + " rotation=" +
+               num(std::atan2(m.textDirection.y, m.textDirection.x)) + " attachment=" + std::to_string(m.textAttachment) + "\n";
     if (m.content == Content::Block)
         out += "block " + formatHandle(m.block) + " at=" + pt(m.blockPosition) + " scale=" + pt(m.blockScale) +
                " rotation=" + num(m.blockRotation) + "\n";
@@ -236,6 +236,7 @@ TEST(Multileader, LeadersLinesAndContentChangedAsAskedAreWhatTheIndependentReade
         Multileader text = *multileader(db.tags(h[0]));
         text.text = "new\\Ptext Ωß";
         text.textHeight = 2.5;
+        text.textDirection = {0, 1, 0};
         text.leaders.at(0).lines.at(0).vertices = {{0, 0, 0}, {1, 1, 0}, {2, 1, 0}, {3, 5, 1}};
         text.leaders.at(0).lines.erase(text.leaders[0].lines.begin() + 1);
         text.leaders.at(1).lines.push_back({{{45, 0, 0}}, -1});

@@ -2,7 +2,7 @@
 """Prints every MULTILEADER of model space as an independent reader (ezdxf) sees it, numbers with
 9 significant digits:
   <handle> <content> scale=.. base=x,y,z height=.. arrow=.. gap=.. plane=x,y,z
-  text "<contents>" at=.. direction=.. attachment=..      (MTEXT content)
+  text "<contents>" at=.. direction=.. rotation=.. attachment=..      (MTEXT content)
   block <handle> at=.. scale=.. rotation=..               (block content)
   leader <index> at=.. dogleg=.. <length>
   line <index> <vertex> <vertex> ...
@@ -30,7 +30,8 @@ for e in doc.modelspace().query("MULTILEADER MLEADER"):
           f"arrow={num(c.arrow_head_size)} gap={num(c.landing_gap_size)} plane={pt(c.plane_origin)}")
     if c.mtext is not None:
         m = c.mtext
-        print(f'text "{m.default_content}" at={pt(m.insert)} direction={pt(m.text_direction)} attachment={m.alignment}')
+        print(f'text "{m.default_content}" at={pt(m.insert)} direction={pt(m.text_direction)} rotation={num(m.rotation)} '
+              f'attachment={m.alignment}')
     if c.block is not None:
         b = c.block
         print(f"block {b.block_record_handle} at={pt(b.insert)} scale={pt(b.scale)} rotation={num(b.rotation)}")
