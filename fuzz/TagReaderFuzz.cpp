@@ -1,7 +1,8 @@
 // Fuzz target for the DXF tag reader. Besides crashes and hangs it checks the promises the
-// drawing database builds on: a file that loads is written back byte for byte, a TagStream over
-// it reads the tags the scanner found, every value decodes to valid UTF-8, and tags rewritten one
-// by one (in the file's own form, or in the other form) read back as the same tags.
+// drawing database builds on: a sink is handed the tags the scanner found, each with the bytes it
+// covers (or gets the same error), a file that loads is written back byte for byte, a TagStream
+// over it reads the tags the scanner found, every value decodes to valid UTF-8, and tags rewritten
+// one by one (in the file's own form, or in the other form) read back as the same tags.
 #include "cad/dxf/NumberText.h"
 #include "cad/dxf/TagFile.h"
 #include "cad/dxf/TagStream.h"
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 using namespace veltarn::dxf;
 
@@ -54,6 +56,32 @@ std::string rewrite(const TagFile& file, const WriteFormat& format, bool& ok) {
     return sink.take();
 }
 
+struct CollectingSink : TagSink {
+    std::vector<ScannedTag> tags;
+    void take(const TagFile&, std::span<const ScannedTag> window) override { tags.insert(tags.end(), window.begin(), window.end()); }
+};
+
+// The same bytes read through a sink: the same verdict, and the scanner's tags without gaps.
+void checkSink(const std::string& input, const Result<TagFile>& file) {
+    CollectingSink sink;
+    auto streamed = TagFile::parse(input, "fuzz.dxf", sink);
+    require(streamed.ok() == file.ok(), "a sink changes whether a file reads");
+    if (!file) {
+        require(streamed.message() == file.message(), "a sink changes the error");
+        return;
+    }
+    require(streamed->size() == 0 && streamed->trailer() == file->trailer(), "a sink's file holds tags or another trailer");
+    require(sink.tags.size() == file->size(), "a sink takes another number of tags");
+    std::size_t start = file->form() == FileForm::Binary ? kBinarySentinel.size() : 0;
+    for (std::size_t i = 0; i < sink.tags.size(); ++i) {
+        const ScannedTag& tag = sink.tags[i];
+        require(tag.code == file->code(i) && input.compare(tag.value, tag.length, file->raw(i)) == 0, "a sink takes another tag");
+        require(tag.start == start && std::string_view(input).substr(tag.start, tag.end - tag.start) == file->span(i, i + 1),
+                "a sink's tag covers other bytes");
+        start = tag.end;
+    }
+}
+
 bool sameNumber(std::optional<double> a, std::optional<double> b) {
     if (!a || !b) return a.has_value() == b.has_value();
     return *a == *b || (std::isnan(*a) && std::isnan(*b));
@@ -91,6 +119,7 @@ void checkRewrite(const TagFile& file, WriteFormat format, bool sameForm) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string input(reinterpret_cast<const char*>(data), size);
     auto file = TagFile::parse(input, "fuzz.dxf");
+    checkSink(input, file);
     if (!file) {
         require(!file.message().empty(), "an error without a message");
         return 0;

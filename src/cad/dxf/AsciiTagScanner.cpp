@@ -4,6 +4,7 @@
 #include "cad/dxf/TextCodec.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -29,8 +30,23 @@ bool parseGroupCode(const char* begin, const char* end, int& code) {
     return true;
 }
 
+// The group-code line most writers write, read in one pass: spaces, an optional minus, up to five
+// digits, spaces and the line end. Returns that line end, or nullptr for any other line, which
+// parseGroupCode then reads (or refuses).
+const char* readPlainGroupCode(const char* p, const char* end, int& code) {
+    while (p < end && *p == ' ') ++p;
+    bool negative = p < end && *p == '-';
+    if (negative) ++p;
+    int value = 0, digits = 0;
+    for (; p < end && digits < 5 && *p >= '0' && *p <= '9'; ++p, ++digits) value = value * 10 + (*p - '0');
+    while (p < end && (*p == ' ' || *p == '\r')) ++p;
+    if (digits == 0 || p == end || *p != '\n' || value > (negative ? 32768 : 32767)) return nullptr;
+    code = negative ? -value : value;
+    return p;
+}
+
 // Counts the line ends eight bytes at a time: a plain byte loop is not vectorised at -O2, and this
-// pass over the whole file sizes the tag vector.
+// pass over the whole file sizes a tag vector.
 std::size_t countLineEnds(std::string_view bytes) {
     constexpr std::uint64_t kOnes = 0x0101010101010101u, kLow7 = 0x7F7F7F7F7F7F7F7Fu;
     std::size_t count = 0, i = 0;
@@ -50,12 +66,18 @@ std::size_t countLineEnds(std::string_view bytes) {
     return count;
 }
 
-// The line end at or after `from`, or nullptr. Most DXF lines are a few bytes long: a short loop
-// finds their end sooner than a call to memchr, which takes over for long lines.
+// The line end at or after `from`, or nullptr. Most DXF lines are a few bytes long: looking at
+// eight bytes at a time finds their end sooner than a call to memchr, which takes over for long lines.
 const char* findLineEnd(const char* from, const char* end) {
-    const char* shortEnd = end - from > 24 ? from + 24 : end;
-    for (; from < shortEnd; ++from)
-        if (*from == '\n') return from;
+    constexpr std::uint64_t kOnes = 0x0101010101010101u, kHigh = 0x8080808080808080u;
+    for (int round = 0; round < 4 && end - from >= 8; ++round, from += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, from, 8);
+        std::uint64_t x = word ^ (kOnes * '\n');  // a zero byte where a line end is
+        // The lowest set bit marks the first zero byte, the first in the file on the little-endian
+        // platforms we build for (bits above it may be false alarms).
+        if (std::uint64_t found = (x - kOnes) & ~x & kHigh) return from + (std::countr_zero(found) >> 3);
+    }
     return from < end ? static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(end - from))) : nullptr;
 }
 
@@ -89,16 +111,17 @@ std::string quoteForMessage(std::string_view text) {
     return out + "\"";
 }
 
-Result<void> AsciiTagScanner::scan(TagFile& file) {
+std::size_t AsciiTagScanner::capacityFor(std::string_view bytes) {
+    // A tag takes two lines and at least three bytes, which bounds what a file of empty lines can reserve.
+    return std::min(countLineEnds(bytes) / 2, bytes.size() / 3) + 1;
+}
+
+Result<void> AsciiTagScanner::scan(TagFile& file, TagWindow& out) {
     const std::string& bytes = file.bytes_;
     const char* data = bytes.data();
     const std::size_t size = bytes.size();
     std::size_t pos = bytes.compare(0, 3, kByteOrderMark) == 0 ? 3 : 0;
-
-    // One counting pass sizes the tag vector exactly: no growth, no copies of millions of tags.
-    // A tag takes at least three bytes, which bounds what a file of empty lines can reserve.
-    std::size_t lines = countLineEnds(bytes);
-    file.tags_.reserve(std::min(lines / 2, size / 3) + 1);
+    std::size_t tagBegin = 0;  // the byte-order mark goes with the first tag
 
     const char* firstEnd = static_cast<const char*>(std::memchr(data + pos, '\n', size - pos));
     file.crlf_ = firstEnd && firstEnd > data + pos && firstEnd[-1] == '\r';
@@ -106,14 +129,17 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
     std::size_t line = 1;
     while (pos < size) {
         const char* codeBegin = data + pos;
-        const char* codeEnd = findLineEnd(codeBegin, data + size);
-        const char* codeLineEnd = codeEnd ? codeEnd : data + size;
         int code = 0;
-        if (!parseGroupCode(codeBegin, codeLineEnd, code)) {
-            // Blank lines after the last tag are what some editors leave behind: not an error.
-            if (onlySpace(std::string_view(codeBegin, static_cast<std::size_t>(data + size - codeBegin)))) break;
-            return makeError(file.name_ + ":" + std::to_string(line) + ": expected a group code, found " +
-                             quoteForMessage(std::string_view(codeBegin, static_cast<std::size_t>(codeLineEnd - codeBegin))));
+        const char* codeEnd = readPlainGroupCode(codeBegin, data + size, code);
+        if (!codeEnd) {
+            codeEnd = findLineEnd(codeBegin, data + size);
+            const char* codeLineEnd = codeEnd ? codeEnd : data + size;
+            if (!parseGroupCode(codeBegin, codeLineEnd, code)) {
+                // Blank lines after the last tag are what some editors leave behind: not an error.
+                if (onlySpace(std::string_view(codeBegin, static_cast<std::size_t>(data + size - codeBegin)))) break;
+                return makeError(file.name_ + ":" + std::to_string(line) + ": expected a group code, found " +
+                                 quoteForMessage(std::string_view(codeBegin, static_cast<std::size_t>(codeLineEnd - codeBegin))));
+            }
         }
         std::size_t valuePos = codeEnd ? static_cast<std::size_t>(codeEnd - data) + 1 : size;
         // A group code on the last line has no value: the file has an odd number of lines.
@@ -125,8 +151,10 @@ Result<void> AsciiTagScanner::scan(TagFile& file) {
         std::size_t length = valueLineEnd - valuePos;
         if (length > 0 && data[valuePos + length - 1] == '\r') --length;
 
-        file.tags_.emplace_back(static_cast<std::uint32_t>(valuePos), static_cast<std::int16_t>(code));
         pos = valueEnd ? valueLineEnd + 1 : size;
+        out.push(ScannedTag{static_cast<std::uint32_t>(tagBegin), static_cast<std::uint32_t>(valuePos), static_cast<std::uint32_t>(length),
+                            static_cast<std::uint32_t>(pos), static_cast<std::int16_t>(code)});
+        tagBegin = pos;
         line += 2;
         if (code == 0 && trimSpaces(std::string_view(data + valuePos, length)) == "EOF") return {};
     }

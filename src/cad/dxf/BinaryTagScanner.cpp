@@ -72,7 +72,8 @@ Result<void> walkTags(const std::string& bytes, bool shortCodes, const std::stri
                                           std::to_string(code) + ", found " + std::to_string(size - pos));
             pos += length;
         }
-        onTag(Tag(static_cast<std::uint32_t>(valuePos), static_cast<std::int16_t>(code)));
+        onTag(ScannedTag{static_cast<std::uint32_t>(tagPos), static_cast<std::uint32_t>(valuePos), static_cast<std::uint32_t>(length),
+                         static_cast<std::uint32_t>(pos), static_cast<std::int16_t>(code)});
         if (code == 0 && trimSpaces(std::string_view(bytes.data() + valuePos, length)) == "EOF") return {};
     }
     missingEof = true;
@@ -81,20 +82,23 @@ Result<void> walkTags(const std::string& bytes, bool shortCodes, const std::stri
 
 }  // namespace
 
-Result<void> BinaryTagScanner::scan(TagFile& file) {
-    const std::string& bytes = file.bytes_;
-    const std::size_t start = kBinarySentinel.size();
+bool BinaryTagScanner::usesOneByteCodes(std::string_view bytes) {
     // "0 SECTION" opens every file: a zero byte then 'S' means one-byte codes (R12), two zero
     // bytes mean two-byte codes.
-    file.shortCodes_ = start + 1 < bytes.size() && bytes[start] == 0 && bytes[start + 1] != 0;
+    const std::size_t start = kBinarySentinel.size();
+    return start + 1 < bytes.size() && bytes[start] == 0 && bytes[start + 1] != 0;
+}
 
-    // Tags can be as short as two bytes, so no estimate from the size bounds the tag vector well:
-    // a first walk counts (and checks) them, a second one fills a vector of exactly that size.
+std::size_t BinaryTagScanner::count(const TagFile& file) {
+    // Tags can be as short as two bytes, so no estimate from the size bounds a tag vector well.
     std::size_t count = 0;
-    if (auto counted = walkTags(bytes, file.shortCodes_, file.name_, file.missingEof_, [&](const Tag&) { ++count; }); !counted)
-        return counted;
-    file.tags_.reserve(count);
-    return walkTags(bytes, file.shortCodes_, file.name_, file.missingEof_, [&](const Tag& tag) { file.tags_.push_back(tag); });
+    bool missingEof = false;
+    auto counted = walkTags(file.bytes_, file.shortCodes_, file.name_, missingEof, [&](const ScannedTag&) { ++count; });
+    return counted ? count : 0;
+}
+
+Result<void> BinaryTagScanner::scan(TagFile& file, TagWindow& out) {
+    return walkTags(file.bytes_, file.shortCodes_, file.name_, file.missingEof_, [&](const ScannedTag& tag) { out.push(tag); });
 }
 
 }  // namespace veltarn::dxf

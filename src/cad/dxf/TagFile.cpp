@@ -1,7 +1,9 @@
 #include "cad/dxf/TagFile.h"
 
 #include "cad/dxf/NumberText.h"
+#include "cad/dxf/SectionChecker.h"
 #include "cad/dxf/TagScanners.h"
+#include "cad/dxf/TagStream.h"
 
 #include <algorithm>
 #include <cassert>
@@ -20,13 +22,9 @@ T readLittleEndian(const char* at) {
     return value;
 }
 
-std::string describeTag(const TagFile& file, std::size_t i) {
-    return std::to_string(file.code(i)) + " " + quoteForMessage(file.text(i));
-}
-
 }  // namespace
 
-Result<TagFile> TagFile::load(const std::filesystem::path& path) {
+Result<std::string> TagFile::readBytes(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return makeError(path.string() + ": cannot open: " + std::strerror(errno));
     std::error_code ec;
@@ -37,81 +35,86 @@ Result<TagFile> TagFile::load(const std::filesystem::path& path) {
     in.read(bytes.data(), static_cast<std::streamsize>(size));
     if (static_cast<std::uintmax_t>(in.gcount()) != size)
         return makeError(path.string() + ": cannot read: " + (in.bad() ? std::strerror(errno) : "the file changed while it was read"));
-    return parse(std::move(bytes), path.string());
+    return bytes;
 }
 
-Result<TagFile> TagFile::parse(std::string bytes, std::string name) {
+Result<TagFile> TagFile::load(const std::filesystem::path& path) {
+    auto bytes = readBytes(path);
+    if (!bytes) return bytes.error();
+    return read(std::move(bytes).value(), path.string(), nullptr);
+}
+
+Result<TagFile> TagFile::load(const std::filesystem::path& path, TagSink& sink) {
+    auto bytes = readBytes(path);
+    if (!bytes) return bytes.error();
+    return read(std::move(bytes).value(), path.string(), &sink);
+}
+
+Result<TagFile> TagFile::parse(std::string bytes, std::string name) { return read(std::move(bytes), std::move(name), nullptr); }
+
+Result<TagFile> TagFile::parse(std::string bytes, std::string name, TagSink& sink) {
+    return read(std::move(bytes), std::move(name), &sink);
+}
+
+Result<TagFile> TagFile::read(std::string bytes, std::string name, TagSink* sink) {
     TagFile file;
     file.name_ = std::move(name);
     if (bytes.size() >= 0xFFFFFFF0u) return makeError(file.name_ + ": the file is larger than 4 GiB, which DXF files here may not be");
     file.bytes_ = std::move(bytes);
     if (file.bytes_.empty()) return makeError(file.name_ + ": the file is empty, expected DXF tags");
-    bool binary = file.bytes_.compare(0, kBinarySentinel.size(), kBinarySentinel) == 0;
+    const bool binary = file.bytes_.compare(0, kBinarySentinel.size(), kBinarySentinel) == 0;
     file.form_ = binary ? FileForm::Binary : FileForm::Ascii;
-    if (auto scanned = binary ? BinaryTagScanner::scan(file) : AsciiTagScanner::scan(file); !scanned) return scanned.error();
-    if (file.tags_.empty()) return makeError(file.name_ + ": expected DXF tags, found none");
-    if (auto checked = file.checkSections(); !checked) return checked.error();
-    if (auto facts = file.readHeaderFacts(); !facts) return facts.error();
-    file.tagsEnd_ = file.tagEnd(file.tags_.size() - 1);
+    file.shortCodes_ = binary && BinaryTagScanner::usesOneByteCodes(file.bytes_);
+    // The codec first, so that a sink reads every text as it will be read later.
+    file.readHeaderFacts();
+
+    // The tag vector is sized once: no growth, no copies of millions of tags.
+    if (!sink) file.tags_.reserve(binary ? BinaryTagScanner::count(file) : AsciiTagScanner::capacityFor(file.bytes_));
+    SectionChecker sections(file);
+    std::size_t tags = 0;
+    TagWindow window([&](std::span<const ScannedTag> scanned) {
+        sections.take(scanned);
+        if (sink) {
+            sink->take(file, scanned);
+        } else {
+            for (const ScannedTag& tag : scanned) file.tags_.emplace_back(tag.value, tag.code);
+        }
+        tags += scanned.size();
+        file.tagsEnd_ = scanned.back().end;
+    });
+    if (auto scanned = binary ? BinaryTagScanner::scan(file, window) : AsciiTagScanner::scan(file, window); !scanned) return scanned.error();
+    window.flush();
+    if (tags == 0) return makeError(file.name_ + ": expected DXF tags, found none");
+    if (auto checked = sections.finish(); !checked) return checked.error();
     return file;
 }
 
-Result<void> TagFile::checkSections() {
-    const std::size_t n = tags_.size();
-    std::size_t i = 0;
-    bool afterSection = false;
-    while (i < n) {
-        if (is(i, code::kStructure, "EOF")) return {};
-        // Writers put their name in a comment before the first section. Some (dxflib) end the header
-        // early, write more variables and a second ENDSEC: stray tags between sections are kept.
-        bool stray = afterSection && (code(i) != code::kStructure || is(i, code::kStructure, "ENDSEC"));
-        if (code(i) == code::kComment || stray) {
-            ++i;
-            continue;
-        }
-        if (!is(i, code::kStructure, "SECTION"))
-            return makeError(where(i) + ": expected 0 SECTION or 0 EOF, found " + describeTag(*this, i));
-        if (i + 1 >= n)
-            return makeError(whereEnd() + ": expected the section name (group code 2) after 0 SECTION, found the end of the file");
-        if (code(i + 1) != code::kName)
-            return makeError(where(i + 1) + ": expected the section name (group code 2) after 0 SECTION, found " +
-                             describeTag(*this, i + 1));
-        std::size_t j = i + 2;
-        for (; j < n; ++j) {
-            if (code(j) != code::kStructure) continue;
-            if (is(j, code::kStructure, "ENDSEC")) break;
-            if (is(j, code::kStructure, "SECTION") || is(j, code::kStructure, "EOF")) break;
-        }
-        if (j >= n || !is(j, code::kStructure, "ENDSEC")) {
-            std::string expected = "expected 0 ENDSEC closing section " + quoteForMessage(text(i + 1)) + " (opened at " +
-                                   (form_ == FileForm::Binary ? "@" + std::to_string(tagStart(i)) : "line " + std::to_string(lineOf(i))) +
-                                   "), found ";
-            if (j < n) return makeError(where(j) + ": " + expected + describeTag(*this, j));
-            return makeError(whereEnd() + ": " + expected + "the end of the file");
-        }
-        i = j + 1;
-        afterSection = true;
-    }
-    return {};
-}
-
-Result<void> TagFile::readHeaderFacts() {
+// $ACADVER and $DWGCODEPAGE, from a header that is the first section (after comments). Read with a
+// TagStream before the file is scanned: bytes that turn out not to be DXF fail the scan anyway.
+void TagFile::readHeaderFacts() {
+    TagStream tags(*this, 0, bytes_.size());
+    auto isTag = [&](int wanted, std::string_view word) { return tags.code() == wanted && trimSpaces(tags.raw()) == word; };
+    bool more = tags.next();
+    while (more && tags.code() == code::kComment) more = tags.next();
     std::string codePage;
-    std::size_t first = 0;
-    while (first < size() && code(first) == code::kComment) ++first;
-    if (first + 1 < size() && is(first, code::kStructure, "SECTION") && is(first + 1, code::kName, "HEADER")) {
-        for (std::size_t i = first + 2; i + 1 < size() && code(i) != code::kStructure; ++i) {
+    if (more && isTag(code::kStructure, "SECTION") && tags.next() && isTag(code::kName, "HEADER") && tags.next()) {
+        // Each tag and the one after it, to the first tag of code 0.
+        int previousCode = tags.code();
+        std::string_view previous = tags.raw();
+        while (previousCode != code::kStructure && tags.next()) {
             // Only a text value names a version or code page: the bytes of a binary number do not,
             // and would name another one once the drawing is written as ASCII.
-            if (code(i) != code::kVariableName || valueKindOf(code(i + 1)) != ValueKind::String) continue;
-            if (is(i, code::kVariableName, "$ACADVER"))
-                version_ = std::string(trimSpaces(raw(i + 1)));
-            else if (is(i, code::kVariableName, "$DWGCODEPAGE"))
-                codePage = std::string(trimSpaces(raw(i + 1)));
+            if (previousCode == code::kVariableName && valueKindOf(tags.code()) == ValueKind::String) {
+                if (trimSpaces(previous) == "$ACADVER")
+                    version_ = std::string(trimSpaces(tags.raw()));
+                else if (trimSpaces(previous) == "$DWGCODEPAGE")
+                    codePage = std::string(trimSpaces(tags.raw()));
+            }
+            previousCode = tags.code();
+            previous = tags.raw();
         }
     }
     codec_ = TextCodec::forFile(version_, codePage);
-    return {};
 }
 
 std::size_t TagFile::valueLength(const Tag& tag) const {
@@ -160,10 +163,11 @@ std::optional<double> TagFile::real(std::size_t i) const {
     return parseReal(value);
 }
 
-std::optional<std::int64_t> TagFile::integer(std::size_t i) const {
-    std::string_view value = raw(i);
+std::optional<std::int64_t> TagFile::integer(std::size_t i) const { return integerOf(tags_[i].code, raw(i)); }
+
+std::optional<std::int64_t> TagFile::integerOf(int tagCode, std::string_view value) const {
     if (form_ == FileForm::Binary) {
-        switch (valueKindOf(tags_[i].code)) {
+        switch (valueKindOf(tagCode)) {
             case ValueKind::Int16: return readLittleEndian<std::int16_t>(value.data());
             case ValueKind::Int32: return readLittleEndian<std::int32_t>(value.data());
             case ValueKind::Int64: return readLittleEndian<std::int64_t>(value.data());
@@ -216,8 +220,10 @@ std::string TagFile::where(std::size_t i) const {
     return name_ + ":" + std::to_string(lineOf(i));
 }
 
-std::string TagFile::textOf(int tagCode, std::string_view value) const {
-    if (form_ == FileForm::Binary) {
+std::string TagFile::textOf(int tagCode, std::string_view value) const { return valueText(form_, codec_, tagCode, value); }
+
+std::string valueText(FileForm form, const TextCodec& codec, int tagCode, std::string_view value) {
+    if (form == FileForm::Binary) {
         switch (valueKindOf(tagCode)) {
             case ValueKind::String: break;
             case ValueKind::Real: return formatReal(readLittleEndian<double>(value.data()));
@@ -228,7 +234,7 @@ std::string TagFile::textOf(int tagCode, std::string_view value) const {
             case ValueKind::Binary: return toHex(value);
         }
     }
-    return codec_.needsDecoding(value) ? codec_.decode(value) : std::string(value);
+    return codec.needsDecoding(value) ? codec.decode(value) : std::string(value);
 }
 
 void TagFile::releaseTags() { std::vector<Tag>().swap(tags_); }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,31 @@ struct Tag {
 };
 static_assert(sizeof(Tag) == 6);
 
+// A tag as the scanner reads it, with the bytes it covers: what a reader that keeps no tag vector
+// is handed (see TagSink).
+struct ScannedTag {
+    std::uint32_t start;   // first byte of the group code (the first tag: of the file)
+    std::uint32_t value;   // first byte of the value
+    std::uint32_t length;  // bytes of the value, as TagFile::raw gives them
+    std::uint32_t end;     // one past the value and its line end (binary: its zero byte)
+    std::int16_t code;
+};
+
+class TagFile;
+
+// Takes the tags of a file while it is scanned, in file order, a few thousand at a time: a reader
+// that builds its own index needs no vector of every tag (six bytes a tag: near half the size of
+// a file again).
+class TagSink {
+public:
+    // `file` has its bytes, form, version and codec already; the views stay valid while it lives.
+    // Its address is not the one the loaded file will have: keep no pointer to it.
+    virtual void take(const TagFile& file, std::span<const ScannedTag> tags) = 0;
+
+protected:
+    ~TagSink() = default;
+};
+
 class TagFile {
 public:
     // Reads and checks a file. Fails with "<name>:<line>: <what was expected>" (a byte offset,
@@ -41,6 +67,11 @@ public:
     static Result<TagFile> load(const std::filesystem::path& path);
     // The same for bytes already in memory; `name` is used in messages.
     static Result<TagFile> parse(std::string bytes, std::string name);
+    // The same, handing each tag to `sink` as it is read instead of keeping it: the file holds no
+    // tags (size() is 0). The checks and messages are those above; when reading fails, the sink
+    // may have taken the tags before the fault, or all of them (a section left open).
+    static Result<TagFile> load(const std::filesystem::path& path, TagSink& sink);
+    static Result<TagFile> parse(std::string bytes, std::string name, TagSink& sink);
 
     std::size_t size() const { return tags_.size(); }
     const std::vector<Tag>& tags() const { return tags_; }
@@ -81,8 +112,9 @@ public:
     // Kept after releaseTags().
     std::string_view trailer() const;
 
-    // text(i) for a tag given by its code and raw value (read with a TagStream).
+    // text(i) and integer(i) for a tag given by its code and raw value (a TagStream's, a sink's).
     std::string textOf(int code, std::string_view raw) const;
+    std::optional<std::int64_t> integerOf(int code, std::string_view raw) const;
     // Frees the tag vector once a reader has taken what it needs from it: the bytes, form, version
     // and codec stay; size() is 0 from then on, so tags are read with a TagStream.
     void releaseTags();
@@ -90,13 +122,17 @@ public:
 private:
     friend class AsciiTagScanner;
     friend class BinaryTagScanner;
+    friend class SectionChecker;
+
+    static Result<std::string> readBytes(const std::filesystem::path& path);
+    // Scans and checks the bytes; each tag goes to `sink`, or to the tag vector when it is null.
+    static Result<TagFile> read(std::string bytes, std::string name, TagSink* sink);
 
     std::size_t valueLength(const Tag& tag) const;
     std::string whereEnd() const;  // the last line (ASCII) or the size (binary), for messages
     std::size_t tagStart(std::size_t i) const;  // first byte of the group code (tag 0: of the file)
     std::size_t tagEnd(std::size_t i) const;    // one past the value and its line end
-    Result<void> readHeaderFacts();
-    Result<void> checkSections();
+    void readHeaderFacts();
 
     std::string name_;
     std::string bytes_;

@@ -1,7 +1,8 @@
 // The tags of a byte range of a TagFile, read one at a time: what keeps a drawing small once the
-// file's tag vector is released (TagFile::releaseTags). The range must start and end at tag
-// boundaries of a file that was read successfully; its rules are the scanners' own, so the tags
-// come out as the scanner found them. Bytes that do not read as a tag end the stream.
+// file's tag vector is released (TagFile::releaseTags), or was never made. In a file that was read
+// successfully, a range from one tag boundary to another gives the tags the scanner found (its
+// rules are the scanners' own). Over other bytes it is safe: bytes that do not read as a tag end
+// the stream.
 #pragma once
 
 #include "cad/dxf/TagFile.h"
