@@ -12,7 +12,9 @@
 
 namespace veltarn::db {
 
-void loadIndex(Database& db);
+// DatabaseLoader.cpp: read the file and index it in one pass.
+Result<void> loadDrawing(Database& db, const std::filesystem::path& path);
+Result<void> parseDrawing(Database& db, std::string bytes, std::string name);
 
 const char* describe(OpenStatus status) {
     switch (status) {
@@ -64,20 +66,14 @@ Database& Database::operator=(Database&&) noexcept = default;
 Database::~Database() = default;
 
 Result<Database> Database::load(const std::filesystem::path& path) {
-    auto file = dxf::TagFile::load(path);
-    if (!file) return file.error();
     Database db;
-    db.file_ = std::make_unique<dxf::TagFile>(std::move(file).value());
-    loadIndex(db);
+    if (auto loaded = loadDrawing(db, path); !loaded) return loaded.error();
     return db;
 }
 
 Result<Database> Database::parse(std::string bytes, std::string name) {
-    auto file = dxf::TagFile::parse(std::move(bytes), std::move(name));
-    if (!file) return file.error();
     Database db;
-    db.file_ = std::make_unique<dxf::TagFile>(std::move(file).value());
-    loadIndex(db);
+    if (auto parsed = parseDrawing(db, std::move(bytes), std::move(name)); !parsed) return parsed.error();
     return db;
 }
 

@@ -204,7 +204,6 @@ private:
     friend class DatabaseLoader;
     friend class DatabaseWriter;
     friend class R12Converter;
-    friend void loadIndex(Database& db);
 
     enum : std::uint8_t { kOwned = 1, kErased = 2, kStructure = 4, kPaperSpace = 8 };
     struct Slot {

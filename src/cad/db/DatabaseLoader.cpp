@@ -1,75 +1,132 @@
-// Builds the object index of a drawing from its tags: one slot per object or piece of structure,
-// in file order, covering every tag, so that writing the slots back gives the file again.
+// Builds the object index of a drawing while its tags are scanned: one slot per object or piece of
+// structure, in file order, covering every tag, so that writing the slots back gives the file
+// again. Tags come a window at a time and are not kept, so loading holds the file's bytes and the
+// index, never a vector of every tag.
 #include "cad/db/Database.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/dxf/NumberText.h"
 
+#include <array>
+
 namespace veltarn::db {
 
-class DatabaseLoader {
+class DatabaseLoader final : public dxf::TagSink {
 public:
-    DatabaseLoader(Database& db) : db_(db), file_(*db.file_) {}
+    explicit DatabaseLoader(Database& db) : db_(db) {}
 
-    void run() {
-        const std::size_t n = file_.size();
-        // One slot per object: count them first so that the index is allocated once, exactly.
-        std::size_t objects = 0;
-        for (const dxf::Tag& tag : file_.tags()) objects += tag.code == gc::kStructure;
-        db_.slots_.reserve(objects + 8);
-        db_.handles_.reserve(objects + 16);
-        std::size_t i = 0;
-        while (i < n) {
-            if (file_.is(i, gc::kStructure, "SECTION") && i + 1 < n) {
-                i = section(i);
-            } else {
-                structure(i, i + 1, "EOF");
-                ++i;
+    void take(const dxf::TagFile& file, std::span<const dxf::ScannedTag> tags) override {
+        file_ = &file;
+        const dxf::ScannedTag* tag = tags.data();
+        const dxf::ScannedTag* const end = tag + tags.size();
+        while (tag < end) {
+            // Most tags are values no slot looks at: only code-0 tags open and close slots.
+            if (!watching_)
+                while (tag < end && tag->code != gc::kStructure) ++tag;
+            if (tag == end) break;
+            step(*tag++);
+            watching_ = watching();
+        }
+        end_ = tags.back().end;
+    }
+
+    // After the last tag of a file that read well: closes what is open, then builds what needs
+    // the whole index (spaces, block records, handles for objects without one).
+    void finish(dxf::TagFile file) {
+        file_ = &file;  // the scanner's was another object
+        close(end_);
+        if (place_ == Place::SectionName) structure(sectionStart_, "EOF", Section::None, end_);  // a SECTION as the last tag
+        db_.file_ = std::make_unique<dxf::TagFile>(std::move(file));
+        file_ = nullptr;
+        db_.fileSlots_ = static_cast<std::uint32_t>(db_.slots_.size());
+        db_.trailer_ = static_cast<std::uint32_t>(db_.file_->bytes().size() - db_.file_->trailer().size());
+        db_.r12_ = db_.file_->version() <= std::string("AC1009");
+        placeSpaces();
+        nameBlockRecords();
+        db_.nextHandle_ = std::max<Handle>(seed_, maxHandle_ + 1);
+        db_.headerSeed_ = seed_;
+        db_.minSeed_ = maxHandle_ + 1;
+        // Objects without a handle (R12 files written without handles, a space that has no BLOCK)
+        // get one in memory only.
+        for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
+            auto& slot = db_.slots_[s];
+            if (slot.handle == kNoHandle && !(slot.flags & Database::kStructure)) {
+                slot.handle = db_.nextHandle_++;
+                db_.handles_.set(slot.handle, s);
             }
         }
-        finish();
+        db_.fileSeed_ = db_.nextHandle_;
+        for (std::size_t b = 0; b < db_.blocks_.size(); ++b) db_.blockIds_[db_.blockId(static_cast<int>(b))] = static_cast<int>(b);
     }
 
 private:
-    std::string_view typeAt(std::size_t i) const { return dxf::trimSpaces(file_.raw(i)); }
+    // Most drawings take 100 to 300 bytes an object: room for one every 128 bytes is enough for them.
+    static constexpr std::size_t kBytesPerSlotGuess = 128;
 
-    std::size_t nextZero(std::size_t i) const {
-        const std::size_t n = file_.size();
-        ++i;
-        while (i < n && file_.code(i) != gc::kStructure) ++i;
-        return i;
+    enum class Place : std::uint8_t {
+        Outside,      // between sections: each tag is a slot of its own
+        SectionName,  // after "0 SECTION": the name decides what follows
+        Whole,        // HEADER and unknown sections: one slot to their ENDSEC
+        Body,         // a known section: its objects, each from its code-0 tag to the next one
+    };
+    // What the open slot still looks for in the tags that follow its code-0 tag.
+    enum class Search : std::uint8_t { None, TableName, BlockName };
+
+    std::string_view raw(const dxf::ScannedTag& tag) const { return file_->bytes().substr(tag.value, tag.length); }
+    bool is(const dxf::ScannedTag& tag, int code, std::string_view word) const {
+        return tag.code == code && dxf::trimSpaces(raw(tag)) == word;
     }
 
-    std::uint32_t structure(std::size_t first, std::size_t last, std::string_view type, Section section = Section::None) {
-        Database::Slot slot;
-        slot.begin = static_cast<std::uint32_t>(first);
-        slot.size = static_cast<std::uint32_t>(last - first);
-        slot.flags = Database::kStructure;
-        slot.type = db_.internType(type);
-        slot.section = section;
+    // Database::internType, remembered: a drawing names a few dozen types over and over.
+    std::uint16_t typeIndex(std::string_view type) {
+        std::uint16_t& known = knownTypes_[(type.size() * 31 + (type.empty() ? 0 : type.front() + type.back() * 7)) % knownTypes_.size()];
+        if (known == 0 || db_.types_[known - 1u] != type) known = static_cast<std::uint16_t>(db_.internType(type) + 1);
+        return static_cast<std::uint16_t>(known - 1);
+    }
+
+    std::uint32_t push(Database::Slot slot) {
+        if (db_.slots_.size() == db_.slots_.capacity()) makeRoom();
         db_.slots_.push_back(slot);
         return static_cast<std::uint32_t>(db_.slots_.size() - 1);
     }
 
-    Handle handleIn(std::size_t first, std::size_t last) const {
-        for (std::size_t j = first + 1; j < last && j < first + 4; ++j) {
-            int code = file_.code(j);
-            if (code == gc::kHandle || code == gc::kDimStyleHandle) return parseHandle(file_.raw(j)).value_or(kNoHandle);
+    // Sizes the index for the whole file: growing it as a vector does would copy it several times,
+    // and hold it twice at the last copy, late in the file when it is largest. Room is reserved
+    // from the file's size, then, should the drawing be denser than most, from what the part read
+    // so far holds. Room never filled is never touched: it takes address space, not memory.
+    void makeRoom() {
+        const std::size_t used = db_.slots_.size(), bytes = file_->bytes().size();
+        std::size_t room = bytes / kBytesPerSlotGuess + 64;
+        if (used > 0) {
+            // An eighth more than the projection, for an end that is denser than the rest.
+            double projected = static_cast<double>(used) * static_cast<double>(bytes) / static_cast<double>(std::max<std::uint32_t>(end_, 1));
+            room = std::max(static_cast<std::size_t>(projected * 1.125), used + used / 4);
         }
-        return kNoHandle;
+        db_.slots_.reserve(room);
+        db_.handles_.reserve(room);
     }
 
-    std::uint32_t object(std::size_t first, std::size_t last, Section section, std::uint32_t container) {
+    // A slot of structure from byte `begin`; sized by close(), or at once when `end` is given.
+    std::uint32_t structure(std::uint32_t begin, std::string_view type, Section section, std::uint32_t end = 0) {
         Database::Slot slot;
-        slot.begin = static_cast<std::uint32_t>(first);
-        slot.size = static_cast<std::uint32_t>(last - first);
-        slot.type = db_.internType(typeAt(first));
+        slot.begin = begin;
+        slot.size = end ? end - begin : 0;
+        slot.flags = Database::kStructure;
+        slot.type = typeIndex(type);
         slot.section = section;
-        slot.container = container;
-        slot.handle = handleIn(first, last);
-        db_.slots_.push_back(slot);
-        auto index = static_cast<std::uint32_t>(db_.slots_.size() - 1);
-        if (slot.handle != kNoHandle) note(slot.handle, index);
+        std::uint32_t index = push(slot);
+        if (!end) open_ = index;
         return index;
+    }
+
+    std::uint32_t object(const dxf::ScannedTag& tag, std::string_view type, std::uint32_t container) {
+        Database::Slot slot;
+        slot.begin = tag.start;
+        slot.type = typeIndex(type);
+        slot.section = section_;
+        slot.container = container;
+        open_ = push(slot);
+        handleSearch_ = 3;
+        return open_;
     }
 
     void note(Handle handle, std::uint32_t slot) {
@@ -78,141 +135,193 @@ private:
         if (handle > maxHandle_) maxHandle_ = handle;
     }
 
-    // POLYLINE and INSERT carry their VERTEX/ATTRIB entities and the closing SEQEND with them.
-    std::size_t entityEnd(std::size_t first, std::uint32_t slot) {
-        std::size_t end = nextZero(first);
-        std::string_view type = typeAt(first);
-        if (type != "POLYLINE" && type != "INSERT") return end;
-        const std::size_t n = file_.size();
-        while (end < n) {
-            std::string_view next = typeAt(end);
-            if (next != "VERTEX" && next != "ATTRIB" && next != "SEQEND") break;
-            std::size_t after = nextZero(end);
-            if (Handle sub = handleIn(end, after); sub != kNoHandle) note(sub, slot);
-            end = after;
-            if (next == "SEQEND") break;
-        }
-        return end;
+    // Ends the open slot where byte `end` starts.
+    void close(std::uint32_t end) {
+        if (open_ != Database::kNoSlot) db_.slots_[open_].size = end - db_.slots_[open_].begin;
+        open_ = Database::kNoSlot;
+        handleSearch_ = 0;
+        paperSearch_ = false;
+        search_ = Search::None;
+        chain_ = false;
     }
 
-    bool paperFlag(std::size_t first, std::size_t last) const {
-        int markers = 0;
-        for (std::size_t j = first + 1; j < last; ++j) {
-            int code = file_.code(j);
-            if (code == gc::kStructure) break;
-            if (code == gc::kSubclass && ++markers > 1) break;
-            if (code == gc::kPaperSpace) return file_.integer(j).value_or(0) == 1;
+    // True while tags of codes other than 0 matter: a search of the open slot, the header's
+    // $HANDSEED, a section's first tags, tags outside sections.
+    bool watching() const {
+        switch (place_) {
+            case Place::Body: return handleSearch_ > 0 || paperSearch_ || search_ != Search::None || open_ == Database::kNoSlot;
+            case Place::Whole: return section_ == Section::Header;
+            default: return true;
         }
-        return false;
     }
 
-    std::size_t section(std::size_t start) {
-        std::string name = file_.text(start + 1);
-        const std::size_t n = file_.size();
-        if (name == "HEADER") {
-            std::size_t j = start + 2;
-            while (j < n && !file_.is(j, gc::kStructure, "ENDSEC")) {
-                if (file_.is(j, gc::kVariableName, "$HANDSEED") && j + 1 < n) {
-                    seedTag_ = j + 1;
-                    seed_ = parseHandle(file_.raw(j + 1)).value_or(0);
+    void step(const dxf::ScannedTag& tag) {
+        switch (place_) {
+            case Place::Outside:
+                if (is(tag, gc::kStructure, "SECTION")) {
+                    place_ = Place::SectionName;
+                    sectionStart_ = tag.start;
+                } else {
+                    structure(tag.start, "EOF", Section::None, tag.end);
                 }
-                ++j;
+                return;
+            case Place::SectionName: return sectionName(tag);
+            case Place::Whole: return whole(tag);
+            case Place::Body:
+                if (tag.code == gc::kStructure) return objectStart(tag);
+                if (open_ == Database::kNoSlot) {
+                    // Tags before the first object of a section (none in well-formed files) are kept as they are.
+                    structure(tag.start, "SECTION", section_);
+                    return;
+                }
+                return objectTag(tag);
+        }
+    }
+
+    void sectionName(const dxf::ScannedTag& tag) {
+        std::string name = file_->textOf(tag.code, raw(tag));
+        section_ = name == "HEADER"     ? Section::Header
+                   : name == "CLASSES"  ? Section::Classes
+                   : name == "TABLES"   ? Section::Tables
+                   : name == "BLOCKS"   ? Section::Blocks
+                   : name == "ENTITIES" ? Section::Entities
+                   : name == "OBJECTS"  ? Section::Objects
+                                        : Section::Other;
+        if (section_ == Section::Header || section_ == Section::Other) {
+            std::uint32_t slot = structure(sectionStart_, section_ == Section::Header ? "HEADER" : "SECTION", section_);
+            if (section_ == Section::Header) db_.header_ = slot;
+            afterHandseed_ = false;
+            place_ = Place::Whole;
+            return;
+        }
+        structure(sectionStart_, "SECTION", section_, tag.end);
+        table_ = block_ = -1;
+        place_ = Place::Body;
+    }
+
+    // A section kept as one slot to its ENDSEC (or the end of the file), whatever it holds.
+    void whole(const dxf::ScannedTag& tag) {
+        if (section_ == Section::Header) {
+            if (afterHandseed_) {
+                db_.seedBegin_ = tag.start;
+                db_.seedEnd_ = tag.end;
+                seed_ = parseHandle(raw(tag)).value_or(0);
             }
-            db_.header_ = structure(start, std::min(j + 1, n), "HEADER", Section::Header);
-            return j + 1;
+            afterHandseed_ = is(tag, gc::kVariableName, "$HANDSEED");
         }
-        Section kind = name == "CLASSES"    ? Section::Classes
-                       : name == "TABLES"   ? Section::Tables
-                       : name == "BLOCKS"   ? Section::Blocks
-                       : name == "ENTITIES" ? Section::Entities
-                       : name == "OBJECTS"  ? Section::Objects
-                                            : Section::Other;
-        if (kind == Section::Other) {
-            std::size_t j = start + 2;
-            while (j < n && !file_.is(j, gc::kStructure, "ENDSEC")) ++j;
-            structure(start, std::min(j + 1, n), "SECTION", kind);
-            return j + 1;
+        if (is(tag, gc::kStructure, "ENDSEC")) {
+            close(tag.end);
+            place_ = Place::Outside;
         }
-        structure(start, start + 2, "SECTION", kind);
-        std::size_t i = start + 2;
-        // Tags before the first object of a section (none in well-formed files) are kept as they are.
-        if (i < n && file_.code(i) != gc::kStructure) {
-            std::size_t j = nextZero(i - 1);
-            structure(i, j, "SECTION", kind);
-            i = j;
+    }
+
+    // A code-0 tag in a known section: the next object, a VERTEX/ATTRIB/SEQEND of the open one,
+    // or the section's end.
+    void objectStart(const dxf::ScannedTag& tag) {
+        std::string_view type = dxf::trimSpaces(raw(tag));
+        // POLYLINE and INSERT carry their VERTEX/ATTRIB entities and the closing SEQEND with them.
+        if (chain_ && (type == "VERTEX" || type == "ATTRIB" || type == "SEQEND")) {
+            handleSearch_ = 3;
+            subEntity_ = true;
+            paperSearch_ = false;
+            if (type == "SEQEND") chain_ = false;
+            return;
         }
-        int table = -1, block = -1;
-        while (i < n) {
-            std::string_view type = typeAt(i);
-            if (type == "ENDSEC") {
-                db_.sectionEnd_[static_cast<int>(kind)] = structure(i, i + 1, "ENDSEC", kind);
-                return i + 1;
-            }
-            if (type == "EOF" || type == "SECTION") return i;  // a malformed file; the loop above goes on
-            std::size_t end = nextZero(i);
-            switch (kind) {
-                case Section::Classes: structure(i, end, type, kind); break;
-                case Section::Tables:
-                    if (type == "TABLE") {
-                        std::uint32_t slot = object(i, end, kind, Database::kNoSlot);
-                        Database::TableEntry entry;
-                        for (std::size_t j = i + 1; j < end; ++j)
-                            if (file_.code(j) == gc::kName) { entry.name = upperName(dxf::trimSpaces(file_.text(j))); break; }
-                        entry.head = slot;
-                        db_.tables_.push_back(std::move(entry));
-                        table = static_cast<int>(db_.tables_.size() - 1);
-                    } else if (type == "ENDTAB") {
-                        std::uint32_t slot = object(i, end, kind, Database::kNoSlot);
-                        if (table >= 0) db_.tables_[static_cast<std::size_t>(table)].end = slot;
-                        table = -1;
-                    } else {
-                        std::uint32_t slot = object(i, end, kind, table < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(table));
-                        if (table >= 0) db_.tables_[static_cast<std::size_t>(table)].records.push_back(slot);
+        close(tag.start);
+        if (type == "ENDSEC") {
+            db_.sectionEnd_[static_cast<int>(section_)] = structure(tag.start, "ENDSEC", section_, tag.end);
+            place_ = Place::Outside;
+            return;
+        }
+        if (type == "EOF" || type == "SECTION") {  // a malformed file: the tag is read as outside sections
+            place_ = Place::Outside;
+            return step(tag);
+        }
+        subEntity_ = false;
+        switch (section_) {
+            case Section::Classes: structure(tag.start, type, section_); break;
+            case Section::Tables:
+                if (type == "TABLE") {
+                    std::uint32_t slot = object(tag, type, Database::kNoSlot);
+                    Database::TableEntry entry;
+                    entry.head = slot;
+                    db_.tables_.push_back(std::move(entry));
+                    table_ = static_cast<int>(db_.tables_.size() - 1);
+                    search_ = Search::TableName;
+                } else if (type == "ENDTAB") {
+                    std::uint32_t slot = object(tag, type, Database::kNoSlot);
+                    if (table_ >= 0) db_.tables_[static_cast<std::size_t>(table_)].end = slot;
+                    table_ = -1;
+                } else {
+                    std::uint32_t slot = object(tag, type, table_ < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(table_));
+                    if (table_ >= 0) db_.tables_[static_cast<std::size_t>(table_)].records.push_back(slot);
+                }
+                break;
+            case Section::Blocks:
+                if (type == "BLOCK") {
+                    std::uint32_t slot = object(tag, type, Database::kNoSlot);
+                    Database::BlockEntry entry;
+                    entry.begin = slot;
+                    db_.blocks_.push_back(std::move(entry));
+                    block_ = static_cast<int>(db_.blocks_.size() - 1);
+                    db_.slots_[slot].container = static_cast<std::uint32_t>(block_);
+                    search_ = Search::BlockName;
+                } else if (type == "ENDBLK") {
+                    std::uint32_t slot = object(tag, type, block_ < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(block_));
+                    if (block_ >= 0) {
+                        auto& entry = db_.blocks_[static_cast<std::size_t>(block_)];
+                        entry.end = entry.anchor = slot;
                     }
-                    break;
-                case Section::Blocks:
-                    if (type == "BLOCK") {
-                        std::uint32_t slot = object(i, end, kind, Database::kNoSlot);
-                        Database::BlockEntry entry;
-                        for (std::size_t j = i + 1; j < end; ++j)
-                            if (file_.code(j) == gc::kName) { entry.name = std::string(dxf::trimSpaces(file_.text(j))); break; }
-                        entry.begin = slot;
-                        db_.blocks_.push_back(std::move(entry));
-                        block = static_cast<int>(db_.blocks_.size() - 1);
-                        db_.slots_[slot].container = static_cast<std::uint32_t>(block);
-                    } else if (type == "ENDBLK") {
-                        std::uint32_t slot = object(i, end, kind, block < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(block));
-                        if (block >= 0) {
-                            auto& entry = db_.blocks_[static_cast<std::size_t>(block)];
-                            entry.end = entry.anchor = slot;
-                        }
-                        block = -1;
-                    } else {
-                        auto container = block < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(block);
-                        std::uint32_t slot = object(i, end, kind, container);
-                        end = entityEnd(i, slot);
-                        db_.slots_[slot].size = static_cast<std::uint32_t>(end - i);
-                        if (block >= 0) db_.blocks_[static_cast<std::size_t>(block)].members.push_back(slot);
-                    }
-                    break;
-                case Section::Entities: {
-                    std::uint32_t slot = object(i, end, kind, Database::kNoSlot);
-                    if (paperFlag(i, end)) db_.slots_[slot].flags |= Database::kPaperSpace;
-                    end = entityEnd(i, slot);
-                    db_.slots_[slot].size = static_cast<std::uint32_t>(end - i);
-                    entitySlots_.push_back(slot);
-                    break;
+                    block_ = -1;
+                } else {
+                    std::uint32_t slot = object(tag, type, block_ < 0 ? Database::kNoSlot : static_cast<std::uint32_t>(block_));
+                    chain_ = type == "POLYLINE" || type == "INSERT";
+                    if (block_ >= 0) db_.blocks_[static_cast<std::size_t>(block_)].members.push_back(slot);
                 }
-                case Section::Objects: {
-                    std::uint32_t slot = object(i, end, kind, Database::kNoSlot);
-                    if (db_.rootDictionary_ == Database::kNoSlot && type == "DICTIONARY") db_.rootDictionary_ = slot;
-                    break;
-                }
-                default: structure(i, end, type, kind); break;
+                break;
+            case Section::Entities:
+                // Its space is known once every block is: finish() places it.
+                object(tag, type, Database::kNoSlot);
+                chain_ = type == "POLYLINE" || type == "INSERT";
+                paperSearch_ = true;
+                markers_ = 0;
+                break;
+            case Section::Objects: {
+                std::uint32_t slot = object(tag, type, Database::kNoSlot);
+                if (db_.rootDictionary_ == Database::kNoSlot && type == "DICTIONARY") db_.rootDictionary_ = slot;
+                break;
             }
-            i = end;
+            default: structure(tag.start, type, section_); break;
         }
-        return i;
+    }
+
+    // A tag after an object's code-0 tag: its handle, its space, its name.
+    void objectTag(const dxf::ScannedTag& tag) {
+        if (handleSearch_ > 0) {
+            --handleSearch_;
+            if (tag.code == gc::kHandle || tag.code == gc::kDimStyleHandle) {
+                handleSearch_ = 0;
+                Handle handle = parseHandle(raw(tag)).value_or(kNoHandle);
+                if (!subEntity_) db_.slots_[open_].handle = handle;
+                if (handle != kNoHandle) note(handle, open_);
+            }
+        }
+        if (paperSearch_) {
+            if (tag.code == gc::kSubclass && ++markers_ > 1) {
+                paperSearch_ = false;
+            } else if (tag.code == gc::kPaperSpace) {
+                paperSearch_ = false;
+                if (file_->integerOf(tag.code, raw(tag)).value_or(0) == 1) db_.slots_[open_].flags |= Database::kPaperSpace;
+            }
+        }
+        if (search_ != Search::None && tag.code == gc::kName) {
+            std::string name(dxf::trimSpaces(file_->textOf(tag.code, raw(tag))));
+            if (search_ == Search::TableName)
+                db_.tables_.back().name = upperName(name);
+            else
+                db_.blocks_.back().name = std::move(name);
+            search_ = Search::None;
+        }
     }
 
     int spaceBlock(std::string_view modern, std::string_view old, bool paper) {
@@ -237,83 +346,84 @@ private:
         return static_cast<int>(db_.blocks_.size() - 1);
     }
 
-    // Slots were tag ranges while the tags were at hand; from here on they are byte ranges, and
-    // the tag vector goes (at 8 bytes a tag it was most of the drawing's memory).
-    void toByteRanges() {
-        std::string_view bytes = file_.bytes();
-        auto offset = [&](std::string_view part) { return static_cast<std::uint32_t>(part.data() - bytes.data()); };
-        for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) {
-            Database::Slot& slot = db_.slots_[s];
-            if (slot.size == 0) {
-                slot.begin = 0;
-                continue;
-            }
-            std::string_view span = file_.span(slot.begin, slot.begin + slot.size);
-            slot.begin = offset(span);
-            slot.size = static_cast<std::uint32_t>(span.size());
-        }
-        if (seedTag_ < file_.size()) {
-            std::string_view span = file_.span(seedTag_, seedTag_ + 1);
-            db_.seedBegin_ = offset(span);
-            db_.seedEnd_ = offset(span) + static_cast<std::uint32_t>(span.size());
-        }
-        db_.trailer_ = static_cast<std::uint32_t>(bytes.size() - file_.trailer().size());
-        db_.file_->releaseTags();
-    }
-
-    void finish() {
-        db_.fileSlots_ = static_cast<std::uint32_t>(db_.slots_.size());
-        toByteRanges();
-        db_.r12_ = file_.version() <= std::string("AC1009");
+    // The ENTITIES section holds model space and the active paper space, each entity by its flag.
+    void placeSpaces() {
         db_.modelSpace_ = spaceBlock("*Model_Space", "$MODEL_SPACE", false);
         db_.paperSpace_ = spaceBlock("*Paper_Space", "$PAPER_SPACE", true);
         std::uint32_t entitiesEnd = db_.sectionEnd_[static_cast<int>(Section::Entities)];
-        for (int b : {db_.modelSpace_, db_.paperSpace_}) {
-            auto& entry = db_.blocks_[static_cast<std::size_t>(b)];
-            entry.members.clear();  // a space's entities live in the ENTITIES section
-            entry.anchor = entitiesEnd;
+        auto& model = db_.blocks_[static_cast<std::size_t>(db_.modelSpace_)];
+        auto& paper = db_.blocks_[static_cast<std::size_t>(db_.paperSpace_)];
+        std::size_t inPaper = 0, entities = 0;
+        for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) {
+            const Database::Slot& slot = db_.slots_[s];
+            if (slot.section != Section::Entities || (slot.flags & Database::kStructure)) continue;
+            ++entities;
+            inPaper += (slot.flags & Database::kPaperSpace) != 0;
         }
-        for (std::uint32_t slot : entitySlots_) {
-            bool paper = db_.slots_[slot].flags & Database::kPaperSpace;
-            int b = paper ? db_.paperSpace_ : db_.modelSpace_;
-            db_.slots_[slot].container = static_cast<std::uint32_t>(b);
-            db_.blocks_[static_cast<std::size_t>(b)].members.push_back(slot);
+        for (auto* space : {&model, &paper}) {
+            space->members.clear();  // a space's entities live in the ENTITIES section
+            space->anchor = entitiesEnd;
         }
+        // Sized exactly: a drawing is mostly entities of one space.
+        model.members.reserve(entities - inPaper);
+        paper.members.reserve(inPaper);
+        for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) {
+            Database::Slot& slot = db_.slots_[s];
+            if (slot.section != Section::Entities || (slot.flags & Database::kStructure)) continue;
+            bool inPaperSpace = slot.flags & Database::kPaperSpace;
+            slot.container = static_cast<std::uint32_t>(inPaperSpace ? db_.paperSpace_ : db_.modelSpace_);
+            (inPaperSpace ? paper : model).members.push_back(s);
+        }
+    }
+
+    void nameBlockRecords() {
         int records = db_.tableIndexOf("BLOCK_RECORD");
-        if (records >= 0) {
-            for (std::uint32_t slot : db_.tables_[static_cast<std::size_t>(records)].records) {
-                TagList tags;
-                db_.decodeSlot(db_.slots_[slot], tags);
-                auto name = tags.text(gc::kName);
-                if (!name) continue;
-                for (auto& entry : db_.blocks_)
-                    if (entry.record == Database::kNoSlot && sameName(entry.name, *name)) { entry.record = slot; break; }
-            }
+        if (records < 0) return;
+        for (std::uint32_t slot : db_.tables_[static_cast<std::size_t>(records)].records) {
+            TagList tags;
+            db_.decodeSlot(db_.slots_[slot], tags);
+            auto name = tags.text(gc::kName);
+            if (!name) continue;
+            for (auto& entry : db_.blocks_)
+                if (entry.record == Database::kNoSlot && sameName(entry.name, *name)) { entry.record = slot; break; }
         }
-        db_.nextHandle_ = std::max<Handle>(seed_, maxHandle_ + 1);
-        db_.headerSeed_ = seed_;
-        db_.minSeed_ = maxHandle_ + 1;
-        // Objects without a handle (R12 files written without handles, a space that has no BLOCK)
-        // get one in memory only.
-        for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
-            auto& slot = db_.slots_[s];
-            if (slot.handle == kNoHandle && !(slot.flags & Database::kStructure)) {
-                slot.handle = db_.nextHandle_++;
-                db_.handles_.set(slot.handle, s);
-            }
-        }
-        db_.fileSeed_ = db_.nextHandle_;
-        for (std::size_t b = 0; b < db_.blocks_.size(); ++b) db_.blockIds_[db_.blockId(static_cast<int>(b))] = static_cast<int>(b);
     }
 
     Database& db_;
-    const dxf::TagFile& file_;
-    std::vector<std::uint32_t> entitySlots_;
-    std::size_t seedTag_ = static_cast<std::size_t>(-1);  // the tag holding the $HANDSEED value
+    const dxf::TagFile* file_ = nullptr;  // the file being scanned, while it is
+    Place place_ = Place::Outside;
+    Section section_ = Section::None;
+    std::uint32_t sectionStart_ = 0;  // first byte of the open section's "0 SECTION"
+    std::uint32_t end_ = 0;           // one past the last tag taken
+    bool watching_ = true;            // watching(), as of the last tag stepped
+    std::uint32_t open_ = Database::kNoSlot;  // the slot the tags belong to, until the next code-0 tag
+    int table_ = -1, block_ = -1;     // the open TABLE and BLOCK
+    int handleSearch_ = 0;            // tags after a code-0 tag that may still hold its handle
+    bool subEntity_ = false;          // the handle found is a VERTEX/ATTRIB/SEQEND's
+    bool chain_ = false;              // a POLYLINE or INSERT that may go on with VERTEX/ATTRIB/SEQEND
+    bool paperSearch_ = false;        // an entity whose paper-space flag may still come
+    int markers_ = 0;                 // subclass markers seen by the paper-space search
+    Search search_ = Search::None;
+    bool afterHandseed_ = false;      // the last header tag was "9 $HANDSEED"
     Handle maxHandle_ = 0;
     Handle seed_ = 0;
+    std::array<std::uint16_t, 64> knownTypes_{};  // type index + 1 by a hash of the type, 0 when none
 };
 
-void loadIndex(Database& db) { DatabaseLoader(db).run(); }
+Result<void> loadDrawing(Database& db, const std::filesystem::path& path) {
+    DatabaseLoader loader(db);
+    auto file = dxf::TagFile::load(path, loader);
+    if (!file) return file.error();
+    loader.finish(std::move(file).value());
+    return {};
+}
+
+Result<void> parseDrawing(Database& db, std::string bytes, std::string name) {
+    DatabaseLoader loader(db);
+    auto file = dxf::TagFile::parse(std::move(bytes), std::move(name), loader);
+    if (!file) return file.error();
+    loader.finish(std::move(file).value());
+    return {};
+}
 
 }  // namespace veltarn::db
