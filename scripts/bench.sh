@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Loads a drawing of 200,000 entities with our DXF reader and with other tools, side by side:
-# wall time and peak memory of each, then how ours compares with the targets.
+# Loads a drawing of 200,000 entities into our drawing database (as the workbench opens it) and
+# with other tools, side by side: wall time and peak memory of each, then how ours compares with
+# the targets.
 # Usage: scripts/bench.sh [BUILD_DIR]  (the drawing is made once, into BUILD_DIR/bench-data)
 set -euo pipefail
 
