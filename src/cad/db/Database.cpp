@@ -87,14 +87,29 @@ Result<void> Database::convertFromR12() {
     if (!r12_) return {};
     auto converted = convertR12(*this);
     if (!converted) return converted.error();
-    std::vector<DatabaseObserver*> observers = std::move(observers_);
-    UndoJournal journal = std::move(journal_);
-    *this = std::move(converted).value();
-    observers_ = std::move(observers);
-    journal_ = std::move(journal);
-    journal_.forgetHistory();  // its changes name slots of the R12 drawing
-    convertedFromR12_ = true;
+    Database other = std::move(converted).value();
+    other.convertedFromR12_ = true;
+    exchangeForm(other);
+    if (journal_.recording()) {
+        otherForm_ = std::make_unique<Database>(std::move(other));
+        journal_.record(UndoJournal::kFormChange, {}, {});
+    } else {
+        journal_.forgetHistory();  // its changes name slots of the R12 drawing
+        otherForm_.reset();
+    }
     return {};
+}
+
+void Database::exchangeForm(Database& other) {
+    UndoJournal journal = std::move(journal_);
+    std::vector<DatabaseObserver*> observers = std::move(observers_);
+    std::unique_ptr<Database> kept = std::move(otherForm_);
+    Database mine = std::move(*this);
+    *this = std::move(other);
+    other = std::move(mine);
+    journal_ = std::move(journal);
+    observers_ = std::move(observers);
+    otherForm_ = std::move(kept);
 }
 
 std::string Database::saveNotice() const {
@@ -720,31 +735,53 @@ Result<void> Database::setHeaderVariable(std::string_view variable, int code, st
 
 bool Database::undo() {
     if (!journal_.canUndo()) return false;
-    const auto& command = journal_.undoCommand();
-    const auto& changes = journal_.changes();
-    for (std::size_t i = command.last; i-- > command.first;) setState(changes[i].slot, changes[i].before);
+    const auto command = journal_.undoCommand();
+    applyChanges(command.first, command.last, true);
     journal_.markUndone();
-    notifyUndone(command.first, command.last, true);
     return true;
 }
 
 bool Database::redo() {
     if (!journal_.canRedo()) return false;
-    const auto& command = journal_.redoCommand();
-    const auto& changes = journal_.changes();
-    for (std::size_t i = command.first; i < command.last; ++i) setState(changes[i].slot, changes[i].after);
+    const auto command = journal_.redoCommand();
+    applyChanges(command.first, command.last, false);
     journal_.markRedone();
-    notifyUndone(command.first, command.last, false);
     return true;
 }
 
 void Database::rollBack(std::size_t mark) {
-    const auto& changes = journal_.changes();
-    if (mark >= changes.size()) return;
-    std::size_t last = changes.size();
-    for (std::size_t i = last; i-- > mark;) setState(changes[i].slot, changes[i].before);
-    notifyUndone(mark, last, true);
+    std::size_t last = journal_.changes().size();
+    if (mark >= last) return;
+    applyChanges(mark, last, true);
+    bool converted = false;
+    for (std::size_t i = mark; i < last; ++i) converted = converted || journal_.changes()[i].slot == UndoJournal::kFormChange;
     journal_.truncate(mark);
+    if (converted) otherForm_.reset();  // the conversion is forgotten with the changes
+}
+
+// Observers hear of each run of changes while the form those changes name is the drawing's.
+void Database::applyChanges(std::size_t first, std::size_t last, bool undo) {
+    const auto& changes = journal_.changes();
+    std::size_t runStart = undo ? last : first;
+    auto formChange = [&](std::size_t i) {
+        if (undo) notifyUndone(i + 1, runStart, true);
+        else notifyUndone(runStart, i, false);
+        if (otherForm_) exchangeForm(*otherForm_);
+        runStart = undo ? i : i + 1;
+    };
+    if (undo) {
+        for (std::size_t i = last; i-- > first;) {
+            if (changes[i].slot == UndoJournal::kFormChange) formChange(i);
+            else setState(changes[i].slot, changes[i].before);
+        }
+        notifyUndone(first, runStart, true);
+    } else {
+        for (std::size_t i = first; i < last; ++i) {
+            if (changes[i].slot == UndoJournal::kFormChange) formChange(i);
+            else setState(changes[i].slot, changes[i].after);
+        }
+        notifyUndone(runStart, last, false);
+    }
 }
 
 // --- Change notifications -----------------------------------------------------------------------

@@ -87,8 +87,9 @@ public:
     bool isR12() const { return r12_; }
     // Converts an R12 drawing in place to 2018 with all its content, for a change R12 cannot hold
     // (dictionaries, xrecords, extension dictionaries, draw order); the functions that make such
-    // changes call it. Handles stay. Nothing to do for other drawings. The conversion is not undone:
-    // the undo history before it is forgotten, an open command stays open.
+    // changes call it. Handles stay. Nothing to do for other drawings. Inside a recording command the
+    // conversion is a step of it: undoing the command gives back the R12 drawing exactly (and the
+    // history before it stays undoable); outside one, the undo history before it is forgotten.
     Result<void> convertFromR12();
     // True once an R12 drawing was converted: it is saved as 2018 from then on.
     bool convertedFromR12() const { return convertedFromR12_; }
@@ -252,6 +253,11 @@ private:
     void notifyErased(Handle handle, bool erased);
     void notifyModified(Handle handle);
     void notifyUndone(std::size_t first, std::size_t last, bool undo);
+    // Reverts (or replays) changes [first, last), swapping forms at a conversion between them.
+    void applyChanges(std::size_t first, std::size_t last, bool undo);
+    // Exchanges everything that makes the drawing with `other`, keeping the undo journal, the
+    // observers and the other form: the step between an R12 drawing and its conversion.
+    void exchangeForm(Database& other);
 
     std::unique_ptr<dxf::TagFile> file_;
     std::vector<Slot> slots_;
@@ -281,6 +287,8 @@ private:
     bool convertedFromR12_ = false;
     UndoJournal journal_;
     std::vector<DatabaseObserver*> observers_;
+    // The drawing before a conversion recorded in the journal (to undo it), or after it (to redo it).
+    std::unique_ptr<Database> otherForm_;
 };
 
 // Case-insensitive comparison of names (ASCII letters), as DXF compares symbol names.

@@ -16,6 +16,8 @@ public:
         std::uint8_t flags = 0;
         bool operator==(const State&) const = default;
     };
+    // The slot of a change that is no object's: the drawing changed form (R12 to 2018).
+    static constexpr std::uint32_t kFormChange = 0xFFFFFFFEu;
     struct Change {
         std::uint32_t slot;
         State before, after;

@@ -7,10 +7,9 @@
 // upgraded), the drawing is converted to 2018 first, and from then on the stand-in and the real
 // root dictionary are one object under two ids, both of which open it.
 //
-// The conversion is no step of the undo history (see db::Database::convertFromR12): undoing the
-// command that converted takes back what that command did after the conversion (the dictionaries
-// and records it added), and the drawing stays a 2018 one; what came before can no longer be
-// undone.
+// The conversion is a step of the command that needed it (see db::Database::convertFromR12):
+// undoing that command gives back the R12 drawing as it was, where the stand-in is a stand-in
+// again; redoing it converts again.
 #pragma once
 
 #include <filesystem>

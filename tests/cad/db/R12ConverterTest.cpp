@@ -108,20 +108,41 @@ TEST(ConvertedR12Minimal, GetsHandlesTablesSpacesAndUtf8Texts) {
     const std::vector<Handle> model = db.entitiesOf(db.modelSpace());
     ASSERT_EQ(model.size(), 3u);
 
-    // Undo history from before the conversion is gone; the command that converted still undoes its own change.
+    // The conversion is a step of the command that needed it: undone, the drawing is the R12 one
+    // again, byte for byte, and what came before stays undoable; redone, it is converted again.
     db.beginCommand("LINE");
     (void)db.appendEntity(db.modelSpace(), newLine(db, {0, 0, 0}, {9, 9, 0})).value();
     db.endCommand();
+    const std::string r12 = db.toText().value();
     db.beginCommand("DRAWORDER");
     ASSERT_TRUE(setRelativeDrawOrder(db, db.modelSpace(), {model[2], model[0]}).ok());
     db.endCommand();
     EXPECT_TRUE(db.convertedFromR12());
     EXPECT_EQ(drawOrder(db, db.modelSpace()).front(), model[2]);
+    const std::string converted = db.toText().value();
     ASSERT_TRUE(db.undo());
+    EXPECT_TRUE(db.isR12());
+    EXPECT_TRUE(db.toText().value() == r12);
+    ASSERT_TRUE(db.undo());
+    EXPECT_EQ(db.entitiesOf(db.modelSpace()).size(), 3u);
     EXPECT_FALSE(db.undo());
-    EXPECT_EQ(drawOrder(db, db.modelSpace()).front(), model[0]);
+    ASSERT_TRUE(db.redo());
+    ASSERT_TRUE(db.redo());
+    EXPECT_FALSE(db.isR12());
+    EXPECT_TRUE(db.toText().value() == converted);
+    EXPECT_EQ(drawOrder(db, db.modelSpace()).front(), model[2]);
     EXPECT_EQ(db.entitiesOf(db.modelSpace()).size(), 4u);
     EXPECT_EQ(db.findBlock("PIN"), block);
+
+    // A conversion rolled back with the step that needed it leaves the R12 drawing as it was.
+    Database rolled = test::parseOrFail(kMinimal);
+    rolled.beginCommand("IMPORT");
+    std::size_t mark = rolled.changeMark();
+    ASSERT_TRUE(setRelativeDrawOrder(rolled, rolled.modelSpace(), {model[2], model[0]}).ok());
+    rolled.rollBack(mark);
+    rolled.endCommand();
+    EXPECT_TRUE(rolled.isR12());
+    EXPECT_TRUE(rolled.toText().value() == kMinimal);
 
     const std::string text = db.toText().value();
     EXPECT_NE(text.find("STRA\xC3\x9F" "E"), std::string::npos);

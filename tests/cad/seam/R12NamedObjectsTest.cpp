@@ -125,6 +125,16 @@ TEST(R12NamedObjects, ACommandThatConvertsMarksTheDrawingModified) {
     journal.commandEnded(L"VELTARN_LOAD");
     EXPECT_FALSE(drawing.raw().isR12());
     EXPECT_TRUE(drawing.modified()) << "it is saved as 2018 now";
+
+    // Undone, it is the R12 drawing again, whose stand-in reads empty; the lines stay undoable.
+    ASSERT_TRUE(drawing.undo());
+    EXPECT_TRUE(drawing.raw().isR12());
+    auto root = drawing.openDictionary(drawing.namedObjectsDictionary(), OpenMode::kRead);
+    ASSERT_TRUE(root);
+    EXPECT_TRUE(root->entries().empty());
+    root.reset();
+    ASSERT_TRUE(drawing.undo());
+    EXPECT_EQ(drawing.raw().entitiesOf(drawing.raw().modelSpace()).size(), 3u);
 }
 
 }  // namespace
