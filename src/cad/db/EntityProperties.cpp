@@ -269,17 +269,30 @@ std::optional<std::string> mlineStyle(const TagList& tags) {
     return std::string(tags.text(gc::kName, from, to).value_or("Standard"));
 }
 
+// The multileader's own tags after its context data: the context holds 340s of its own (the
+// text style), the style pointer follows the context's closing 301.
+static std::pair<std::size_t, std::size_t> afterMleaderContext(const TagList& tags) {
+    auto [from, to] = tags.subclass("AcDbMLeader");
+    if (from == TagList::npos) return {from, to};
+    std::size_t close = tags.find(301, from, to);
+    return {close == TagList::npos ? from : close + 1, to};
+}
+
 bool setMleaderStyle(const Database& db, TagList& tags, std::string_view name) {
     if (tags.type() != "MULTILEADER" && tags.type() != "MLEADER") return false;
     Handle style = namedEntry(db, "ACAD_MLEADERSTYLE", name);
-    if (style == kNoHandle) return false;
-    tags.setIn("AcDbMLeader", kMleaderStylePointer, formatHandle(style));
+    auto [from, to] = afterMleaderContext(tags);
+    if (style == kNoHandle || from == TagList::npos) return false;
+    std::size_t at = tags.find(kMleaderStylePointer, from, to);
+    if (at != TagList::npos) tags[at].value = formatHandle(style);
+    else tags.insert(from, kMleaderStylePointer, formatHandle(style));
     return true;
 }
 
 std::optional<std::string> mleaderStyle(const Database& db, const TagList& tags) {
     if (tags.type() != "MULTILEADER" && tags.type() != "MLEADER") return std::nullopt;
-    auto [from, to] = tags.subclass("AcDbMLeader");
+    auto [from, to] = afterMleaderContext(tags);
+    if (from == TagList::npos) return std::nullopt;
     Handle style = parseHandle(tags.text(kMleaderStylePointer, from, to).value_or("")).value_or(kNoHandle);
     for (const auto& name : namedEntries(db, "ACAD_MLEADERSTYLE"))
         if (namedEntry(db, "ACAD_MLEADERSTYLE", name) == style) return name;

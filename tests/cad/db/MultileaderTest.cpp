@@ -2,6 +2,7 @@
 // groups refused, new ones that another reader opens and audits clean.
 #include "TestSupport.h"
 
+#include "cad/db/EntityProperties.h"
 #include "cad/db/Multileader.h"
 
 #include <gtest/gtest.h>
@@ -394,6 +395,11 @@ TEST(Multileader, NewMultileadersAreWhatWasAskedAndAuditClean) {
     const Multileader::Leader& leader = value->leaders[0];
     EXPECT_EQ(leader.connection.x + leader.doglegLength * leader.doglegDirection.x + value->landingGap, 10);
     EXPECT_EQ(leader.connection.y, 10 - 2.5 / 2);
+    // Its style is its own pointer after the context, not the text style's inside the context.
+    EXPECT_EQ(mleaderStyle(db, db.tags(*handle)), "Standard");
+    TagList restyled = db.tags(*handle);
+    ASSERT_TRUE(setMleaderStyle(db, restyled, "standard"));
+    EXPECT_EQ(restyled, db.tags(*handle));
     EXPECT_FALSE(newMultileader(db, {}, 1, "no leader", {}).ok());
     EXPECT_FALSE(newMultileader(db, {}, 1, "a\nb", vertices).ok());
 
