@@ -459,6 +459,7 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
     slot.container = static_cast<std::uint32_t>(b);
     std::uint32_t index = create(slot, entry.anchor, tags);
     blocks_[static_cast<std::size_t>(b)].members.push_back(index);
+    ensureClass(tags.type());
     notifyAppended(handle);
     return handle;
 }
@@ -645,6 +646,7 @@ Result<Handle> Database::addObject(TagList tags, Handle preset) {
     if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(slot.handle);
     else tags.insert(1, gc::kHandle, formatHandle(slot.handle));
     create(slot, anchor, tags);
+    ensureClass(tags.type());
     notifyAppended(slot.handle);
     return slot.handle;
 }

@@ -169,6 +169,14 @@ public:
     // The root (named objects) dictionary; kNoHandle in R12 drawings.
     Handle namedObjectsDictionary() const;
 
+    // --- Classes ---------------------------------------------------------------------------
+    // Adds the CLASSES entry a new drawing has for `dxfName` when the drawing lacks it: other
+    // programs read objects of such types (MULTILEADER, SORTENTSTABLE, WIPEOUT...) only with
+    // their entry. Appending an entity or adding an object calls it. Nothing to do without a
+    // CLASSES section, for an entry the drawing has, or for a type that is no class.
+    void ensureClass(std::string_view dxfName);
+    bool hasClass(std::string_view dxfName) const;
+
     // --- Header ----------------------------------------------------------------------------
     // The value of a header variable with one value tag ($CLAYER, $INSUNITS...).
     std::optional<std::string> headerVariable(std::string_view name) const;

@@ -82,8 +82,8 @@ void moveMultileader(Multileader& value, const Point3& offset);
 // A new MTEXT multileader of the drawing's "Standard" multileader style, with the style's sizes:
 // the text at `textLocation` (its top left corner), one leader line through `vertices` (from the
 // arrow head on) landing on the text's left side. `height` 0 takes the style's text height.
-// Append it with Database::appendEntity. Fails for R12 drawings and drawings without that style.
-// The CLASSES section is not touched: a drawing that had no multileader keeps lacking its class entry.
+// Append it with Database::appendEntity (which gives a drawing that had no multileader its
+// CLASSES entry). Fails for R12 drawings and drawings without that style.
 Result<TagList> newMultileader(const Database& db, const Point3& textLocation, double height, std::string_view text,
                                const std::vector<Point3>& vertices);
 

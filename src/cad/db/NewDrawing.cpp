@@ -1,6 +1,7 @@
 #include "cad/db/NewDrawing.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 namespace veltarn::db {
@@ -793,6 +794,38 @@ std::string newDrawingText() {
         out += '\n';
     }
     return out;
+}
+
+std::vector<std::string> standardClassNames() {
+    std::vector<std::string> out;
+    for (std::size_t at = kTemplate.find("0 CLASS\n1 "); at != std::string_view::npos; at = kTemplate.find("0 CLASS\n1 ", at + 1)) {
+        std::size_t from = at + 10, end = kTemplate.find('\n', from);
+        out.emplace_back(kTemplate.substr(from, end - from));
+    }
+    return out;
+}
+
+std::optional<TagList> standardClass(std::string_view dxfName) {
+    std::optional<TagList> out;
+    bool inClass = false;
+    for (std::size_t at = 0; at < kTemplate.size();) {
+        std::size_t end = kTemplate.find('\n', at);
+        if (end == std::string_view::npos) end = kTemplate.size();
+        std::string_view line = kTemplate.substr(at, end - at);
+        at = end + 1;
+        std::size_t space = line.find(' ');
+        int code = std::atoi(std::string(line.substr(0, space)).c_str());
+        std::string_view value = space == std::string_view::npos ? std::string_view() : line.substr(space + 1);
+        if (code == 0) {
+            if (out && out->size() > 1 && (*out)[1].value == dxfName) return out;
+            if (value == "ENDSEC" && inClass) break;
+            inClass = value == "CLASS";
+            out = inClass ? std::optional<TagList>(TagList{{0, "CLASS"}}) : std::nullopt;
+        } else if (out) {
+            out->add(code, std::string(value));
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace veltarn::db

@@ -1,7 +1,9 @@
 // The object index: lossless round trips, handles and owners, open modes, creation and erasure.
 #include "TestSupport.h"
 
+#include "cad/db/DrawOrder.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/Multileader.h"
 
 #include <gtest/gtest.h>
 
@@ -146,6 +148,37 @@ TEST(DatabaseObjects, NewDrawingIsCleanForTheAuditor) {
     auto dir = test::scratchDir("new");
     ASSERT_TRUE(Database::createNew().save(dir / "new.dxf").ok());
     EXPECT_EQ(audit(dir / "new.dxf"), "");
+}
+
+// A drawing gets the CLASSES entry of a class type with its first object of that type (other
+// programs skip such objects without it), once, and loses it again when that is undone.
+TEST(DatabaseClasses, TheFirstObjectOfAClassTypeBringsItsEntry) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    Database db = test::loadOrFail(test::generated("basic-R2010.dxf", "12 --version R2010"));
+    ASSERT_FALSE(db.hasClass("MULTILEADER"));
+    ASSERT_FALSE(db.hasClass("SORTENTSTABLE"));
+    ASSERT_TRUE(db.hasClass("LAYOUT"));
+    const std::string before = test::withoutSeed(db);
+    db.beginCommand("MLEADER");
+    for (int i = 0; i < 2; ++i)
+        ASSERT_TRUE(db.appendEntity(db.modelSpace(), newMultileader(db, {5, 5, 0}, 1, "note", {{0, 0, 0}}).value()).ok());
+    db.endCommand();
+    EXPECT_TRUE(db.hasClass("MULTILEADER"));
+    const std::string text = db.toText().value();
+    EXPECT_EQ(text.find("ACDB_MLEADER_CLASS"), text.rfind("ACDB_MLEADER_CLASS"));
+    ASSERT_TRUE(db.undo());
+    EXPECT_FALSE(db.hasClass("MULTILEADER"));
+    EXPECT_TRUE(test::withoutSeed(db) == before);
+    ASSERT_TRUE(db.redo());
+
+    std::vector<Handle> model = db.entitiesOf(db.modelSpace());
+    ASSERT_TRUE(setRelativeDrawOrder(db, db.modelSpace(), {model.back(), model.front()}).ok());
+    EXPECT_TRUE(db.hasClass("SORTENTSTABLE"));
+    auto dir = test::scratchDir("classes");
+    ASSERT_TRUE(db.save(dir / "c.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "c.dxf"), "");
+    Database back = test::loadOrFail(dir / "c.dxf");
+    EXPECT_TRUE(back.hasClass("MULTILEADER") && back.hasClass("SORTENTSTABLE"));
 }
 
 }  // namespace
