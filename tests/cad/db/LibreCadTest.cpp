@@ -4,6 +4,7 @@
 
 #include "cad/db/EntityFactory.h"
 #include "cad/db/ExtensionDictionary.h"
+#include "cad/db/Multileader.h"
 #include "cad/db/Xrecord.h"
 
 #include <gtest/gtest.h>
@@ -53,6 +54,8 @@ TEST(LibreCad, OpensANewDrawingWithEntitiesAndObjectData) {
         newText(db, {10, 10, 0}, 2.5, "Grüße"),
         newMtext(db, {60, 10, 0}, 2.5, "two\\Plines"),
         newHatch(db, "SOLID", {{{70, 70, 0}}, {{90, 70, 0}}, {{90, 90, 0}}}),
+        newMline(db, {{0, 60, 0}, {30, 60, 0}, {30, 90, 0}}, false),
+        newMultileader(db, {110, 60, 0}, 2.5, "note", {{100, 40, 0}}).value(),
     };
     int serial = 0;
     for (TagList& entity : entities) {
