@@ -129,8 +129,9 @@ Result<std::vector<TagList>> explodePolyface(const TagList& tags) {
         for (int k = 0; k < 4; ++k) {
             auto index = tags.integer(gc::kInt71 + k, v.from, v.to);
             if (!index || *index == 0) break;
-            std::size_t at = static_cast<std::size_t>(std::abs(*index));
-            if (at > points.size()) return fail("a polyface mesh face names vertex " + std::to_string(at) + " of " + std::to_string(points.size()));
+            auto known = static_cast<std::int64_t>(points.size());
+            std::size_t at = static_cast<std::size_t>(*index < -known || *index > known ? known + 1 : *index < 0 ? -*index : *index);
+            if (at > points.size()) return fail("a polyface mesh face names vertex " + std::to_string(*index) + " of " + std::to_string(points.size()));
             corners[static_cast<std::size_t>(k)] = points[at - 1];
             if (*index < 0) hidden |= 1 << k;
             ++count;
@@ -154,7 +155,8 @@ Result<std::vector<TagList>> explodePolygonMesh(const TagList& tags, int flags) 
     auto m = tags.integer(gc::kInt71, 1, end).value_or(0), n = tags.integer(gc::kInt72, 1, end).value_or(0);
     std::vector<Point3> points;
     for (const MeshVertex& v : meshVertices(tags)) points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
-    if (m < 2 || n < 2 || static_cast<std::size_t>(m * n) != points.size())
+    auto count = static_cast<std::int64_t>(points.size());
+    if (m < 2 || n < 2 || m > count || n > count || m * n != count)
         return fail("a polygon mesh whose vertices do not make its " + std::to_string(m) + " x " + std::to_string(n) + " grid");
     auto at = [&](std::int64_t i, std::int64_t j) { return points[static_cast<std::size_t>((i % m) * n + j % n)]; };
     std::vector<TagList> out;

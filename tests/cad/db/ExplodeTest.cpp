@@ -272,6 +272,44 @@ TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
     EXPECT_EQ(firstElement, (std::vector<std::pair<double, double>>{{0, 3}, {5, 10}}));
 }
 
+// Damaged multilines, meshes and hatches (a tag missing, a number wild) explode or fail; they
+// never take the program down.
+TEST(Explode, DamagedTagsFailOrExplodeButNeverCrash) {
+    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
+    auto dir = test::scratchDir("explode-damaged");
+    std::string output;
+    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
+        << output;
+    Database db = test::loadOrFail(dir / "in.dxf");
+    std::vector<Handle> targets;
+    Handle reference = kNoHandle;
+    for (Handle entity : db.entitiesOf(db.modelSpace())) {
+        std::string_view type = db.typeName(entity);
+        if (type == "MLINE" || type == "POLYLINE") targets.push_back(entity);
+        if (type == "INSERT" && reference == kNoHandle) reference = entity;
+    }
+    for (Handle entity : db.entitiesOf(db.findBlock("HB"))) targets.push_back(entity);
+    ASSERT_EQ(targets.size(), 8u);
+    int failed = 0, exploded = 0;
+    for (Handle target : targets) {
+        const TagList original = db.tags(target);
+        bool inBlock = db.blockOf(target) != db.modelSpace();
+        for (std::size_t i = 1; i < original.size(); ++i) {
+            for (int variant = 0; variant < 2; ++variant) {
+                TagList damaged = original;
+                if (variant == 0) damaged.erase(i);
+                else damaged[i].value = "-9223372036854775808";
+                ASSERT_EQ(db.replace(target, damaged), OpenStatus::Ok);
+                auto pieces = explode(db, inBlock ? reference : target);
+                pieces.ok() ? ++exploded : ++failed;
+            }
+        }
+        ASSERT_EQ(db.replace(target, original), OpenStatus::Ok);
+    }
+    EXPECT_GT(exploded, 0);
+    EXPECT_GT(failed, 0);
+}
+
 TEST(Explode, TheCommandIsUndoneWholeAndKeepsHandlesUnique) {
     Database db = Database::createNew();
     Handle model = db.modelSpace();
