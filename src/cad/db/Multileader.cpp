@@ -643,7 +643,9 @@ Result<TagList> newMultileader(const Database& db, const Point3& textLocation, d
     Handle style = namedEntry(db, "ACAD_MLEADERSTYLE", "Standard");
     if (style == kNoHandle) return dxf::makeError("the drawing has no \"Standard\" multileader style");
     TagList styleTags = db.tags(style);
-    auto [from, to] = styleTags.subclass("AcDbMLeaderStyle");
+    // Plain variables: clang before 16 cannot capture structured bindings in a lambda.
+    const auto range = styleTags.subclass("AcDbMLeaderStyle");
+    const std::size_t from = range.first, to = range.second;
     auto styleText = [&](int code, std::string_view fallback) {
         return std::string(dxf::trimSpaces(styleTags.text(code, from, to).value_or(fallback)));
     };
