@@ -228,10 +228,8 @@ TEST(Geometry, HatchBoundariesOfEveryKindAreReadAndWrittenBack) {
 TEST(Geometry, MultilineVerticesAreWrittenWithTheirMitersAndOffsets) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("mline");
-    std::string output;
-    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
-        << output;
-    Database db = test::loadOrFail(dir / "in.dxf");
+    const auto drawing = test::madeByScript("make_explode_kinds.py");
+    Database db = test::loadOrFail(drawing);
     Handle model = db.modelSpace();
     std::vector<Handle> checked;
     // Drawn in the drawing's current style, then centred and doubled.

@@ -185,10 +185,8 @@ TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
 TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("explode-kinds");
-    std::string output;
-    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "before.dxf").string(), &output), 0)
-        << output;
-    Database db = test::loadOrFail(dir / "before.dxf");
+    const auto drawing = test::madeByScript("make_explode_kinds.py");
+    Database db = test::loadOrFail(drawing);
     std::string handles;
     std::vector<Handle> hatches;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {
@@ -206,7 +204,7 @@ TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem)
     ASSERT_TRUE(db.save(dir / "after.dxf").ok());
     EXPECT_EQ(test::audit(dir / "after.dxf"), "");
     std::string differences;
-    EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/explode_check.py " + (dir / "before.dxf").string() + " " +
+    EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/explode_check.py " + drawing.string() + " " +
                                   (dir / "after.dxf").string() + " " + handles, &differences), 0);
     EXPECT_EQ(differences, "");
 
@@ -228,11 +226,8 @@ TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem)
 // Caps a multiline suppresses are not drawn; an element's breaks leave gaps in its pieces.
 TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
-    auto dir = test::scratchDir("explode-mline");
-    std::string output;
-    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
-        << output;
-    Database db = test::loadOrFail(dir / "in.dxf");
+    const auto drawing = test::madeByScript("make_explode_kinds.py");
+    Database db = test::loadOrFail(drawing);
     Handle open = db.entitiesOf(db.modelSpace()).front();
     ASSERT_EQ(db.typeName(open), "MLINE");
     auto count = [&](std::string_view type) {
@@ -276,11 +271,8 @@ TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
 // never take the program down.
 TEST(Explode, DamagedTagsFailOrExplodeButNeverCrash) {
     if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
-    auto dir = test::scratchDir("explode-damaged");
-    std::string output;
-    ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_explode_kinds.py " + (dir / "in.dxf").string(), &output), 0)
-        << output;
-    Database db = test::loadOrFail(dir / "in.dxf");
+    const auto drawing = test::madeByScript("make_explode_kinds.py");
+    Database db = test::loadOrFail(drawing);
     std::vector<Handle> targets;
     Handle reference = kNoHandle;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {

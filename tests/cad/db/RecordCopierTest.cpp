@@ -13,16 +13,7 @@
 namespace veltarn::db {
 namespace {
 
-std::filesystem::path resources() {
-    auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db-generated";
-    std::filesystem::create_directories(dir);
-    auto file = dir / "resources.dxf";
-    if (!std::filesystem::exists(file)) {
-        std::string out;
-        EXPECT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_resources.py " + file.string(), &out), 0) << out;
-    }
-    return file;
-}
+std::filesystem::path resources() { return test::madeByScript("make_resources.py"); }
 
 // Every pointer held by the target's objects leads to an object of the target.
 void expectPointersResolve(const Database& db, const std::vector<Handle>& objects) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <array>
 #include <cstdio>
 #include <sys/wait.h>
@@ -41,21 +43,36 @@ std::string audit(const std::filesystem::path& file) {
     return output.empty() ? "auditor exit code " + std::to_string(code) : output;
 }
 
-std::filesystem::path generated(const std::string& name, const std::string& arguments) {
+namespace {
+
+// Makes `name` once in the shared folder of made drawings with `command` (given the output path),
+// through a part file of this process's own, so that tests running side by side never read one
+// half written.
+std::filesystem::path madeOnce(const std::string& name, const std::string& command, const std::string& what) {
     auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db-generated";
     std::filesystem::create_directories(dir);
     auto file = dir / name;
     if (!std::filesystem::exists(file)) {
         std::string output;
-        auto partial = dir / (name + ".part");
-        int code = runPython((toolsDir() / "gen_dxf.py").string() + " " + arguments + " '" + partial.string() + "'", &output);
+        auto partial = dir / (name + "." + std::to_string(::getpid()) + ".part");
+        int code = runPython(command + " '" + partial.string() + "'", &output);
         if (code != 0) {
-            ADD_FAILURE() << "gen_dxf.py failed: " << output;
+            ADD_FAILURE() << what << " failed: " << output;
             return {};
         }
         std::filesystem::rename(partial, file);
     }
     return file;
+}
+
+}  // namespace
+
+std::filesystem::path generated(const std::string& name, const std::string& arguments) {
+    return madeOnce(name, (toolsDir() / "gen_dxf.py").string() + " " + arguments, "gen_dxf.py");
+}
+
+std::filesystem::path madeByScript(const std::string& script) {
+    return madeOnce(script + ".dxf", std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/" + script, script);
 }
 
 std::string withoutSeed(const Database& db) {

@@ -23,6 +23,8 @@ std::string audit(const std::filesystem::path& file);
 
 // A drawing made by the independent writer (gen_dxf.py), cached per argument set.
 std::filesystem::path generated(const std::string& name, const std::string& arguments);
+// A drawing made by one of the scripts in tests/cad/db/data (given the output path), made once.
+std::filesystem::path madeByScript(const std::string& script);
 
 // The drawing as text, with $HANDSEED left out: handles taken by an undone command are not
 // handed out again, so the seed stays where it went.
