@@ -84,15 +84,15 @@ Result<std::vector<TagList>> explodeLwpolyline(const TagList& tags) {
     return out;
 }
 
-// --- Meshes: 3DFACEs -------------------------------------------------------------------------------
+// --- The VERTEX entities of polylines and meshes, and meshes as 3DFACEs -------------------------------------------------------------------------------
 
-struct MeshVertex {
+struct VertexTags {
     std::size_t from, to;  // its tags
     int flags;
 };
 
-std::vector<MeshVertex> meshVertices(const TagList& tags) {
-    std::vector<MeshVertex> out;
+std::vector<VertexTags> vertexTags(const TagList& tags) {
+    std::vector<VertexTags> out;
     for (std::size_t i = ownEnd(tags); i < tags.size(); ++i) {
         if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
         std::size_t next = tags.find(gc::kStructure, i + 1);
@@ -115,11 +115,11 @@ TagList face(TagList tags, const std::array<Point3, 4>& corners, int hidden) {
 // (1-based; negative where the edge starting there is invisible), a triangle's last corner twice.
 // A face record's own layer and colour go to its face.
 Result<std::vector<TagList>> explodePolyface(const TagList& tags) {
-    constexpr int kFaceRecord = 128, kMeshVertex = 64;
+    constexpr int kFaceRecord = 128, kVertexTags = 64;
     std::vector<Point3> points;
     std::vector<TagList> out;
-    for (const MeshVertex& v : meshVertices(tags)) {
-        if ((v.flags & kFaceRecord) && (v.flags & kMeshVertex)) {
+    for (const VertexTags& v : vertexTags(tags)) {
+        if ((v.flags & kFaceRecord) && (v.flags & kVertexTags)) {
             points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
             continue;
         }
@@ -154,7 +154,7 @@ Result<std::vector<TagList>> explodePolygonMesh(const TagList& tags, int flags) 
         return fail("a smoothed polygon mesh is not exploded");
     auto m = tags.integer(gc::kInt71, 1, end).value_or(0), n = tags.integer(gc::kInt72, 1, end).value_or(0);
     std::vector<Point3> points;
-    for (const MeshVertex& v : meshVertices(tags)) points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
+    for (const VertexTags& v : vertexTags(tags)) points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
     auto count = static_cast<std::int64_t>(points.size());
     if (m < 2 || n < 2 || m > count || n > count || m * n != count)
         return fail("a polygon mesh whose vertices do not make its " + std::to_string(m) + " x " + std::to_string(n) + " grid");
@@ -174,12 +174,9 @@ Result<std::vector<TagList>> explodePolyline(const TagList& tags) {
     bool planar = !(flags & kPolyline3d);
     double elevation = tags.point(gc::kX, 1, end).value_or(Point3{}).z;
     std::vector<PathVertex> vertices;
-    for (std::size_t i = end; i < tags.size(); ++i) {
-        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
-        std::size_t next = tags.find(gc::kStructure, i + 1);
-        if (next == TagList::npos) next = tags.size();
-        if (tags.integer(gc::kFlags, i + 1, next).value_or(0) & kSplineFrame) continue;  // the frame, not the curve
-        PathVertex v{tags.point(gc::kX, i + 1, next).value_or(Point3{}), tags.real(kBulge, i + 1, next).value_or(0)};
+    for (const VertexTags& vertex : vertexTags(tags)) {
+        if (vertex.flags & kSplineFrame) continue;  // the frame, not the curve
+        PathVertex v{tags.point(gc::kX, vertex.from, vertex.to).value_or(Point3{}), tags.real(kBulge, vertex.from, vertex.to).value_or(0)};
         if (planar) v.point.z = elevation;
         vertices.push_back(v);
     }

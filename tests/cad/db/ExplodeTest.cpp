@@ -23,6 +23,19 @@ Handle append(Database& db, Handle block, TagList tags) {
     return added.ok() ? *added : kNoHandle;
 }
 
+// An old-style POLYLINE with its VERTEX entities, as CAD programs write one.
+Handle appendPolyline(Database& db, Handle block, std::string_view subclass, int flags, const std::vector<Vertex>& vertices) {
+    TagList tags = newEntity(db, "POLYLINE");
+    tags.add(100, std::string(subclass));
+    tags.add(66, "1");
+    tags.addPoint(10, {});
+    tags.addInteger(70, flags);
+    Handle h = append(db, block, tags);
+    ObjectWriter w = db.openForWrite(h);
+    EXPECT_TRUE(setPolylineVertices(db, w.tags(), vertices));
+    return h;
+}
+
 TagList withNormal(TagList tags, const Point3& normal) {
     tags.addPoint(gc::kNormalX, normal);
     return tags;
@@ -135,16 +148,7 @@ TEST(Explode, PolylinesBreakIntoLinesAndArcsWithTheirProperties) {
     EXPECT_NEAR(std::fmod(pieces[0].real(51).value(), 360), 0, 1e-9);
 
     // An old-style 3D polyline: lines between its vertices, closed back to the first.
-    TagList poly3d = newEntity(db, "POLYLINE");
-    poly3d.add(100, "AcDb3dPolyline");
-    poly3d.add(66, "1");
-    poly3d.addPoint(10, {});
-    poly3d.add(70, "9");
-    Handle h = append(db, model, poly3d);
-    {
-        ObjectWriter w = db.openForWrite(h);
-        ASSERT_TRUE(setPolylineVertices(db, w.tags(), {{{0, 0, 0}}, {{1, 0, 1}}, {{1, 1, 2}}}));
-    }
+    Handle h = appendPolyline(db, model, "AcDb3dPolyline", 9, {{{0, 0, 0}}, {{1, 0, 1}}, {{1, 1, 2}}});
     auto lines = explode(db, h).value();
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[1].point(10), (Point3{1, 0, 1}));
@@ -306,16 +310,7 @@ TEST(Explode, TheCommandIsUndoneWholeAndKeepsHandlesUnique) {
     Database db = Database::createNew();
     Handle model = db.modelSpace();
     Handle block = db.addBlock("P").value();
-    TagList poly = newEntity(db, "POLYLINE");
-    poly.add(100, "AcDb2dPolyline");
-    poly.add(66, "1");
-    poly.addPoint(10, {});
-    poly.add(70, "0");
-    Handle inBlock = append(db, block, poly);
-    {
-        ObjectWriter w = db.openForWrite(inBlock);
-        ASSERT_TRUE(setPolylineVertices(db, w.tags(), {{{0, 0, 0}}, {{1, 0, 0}}}));
-    }
+    appendPolyline(db, block, "AcDb2dPolyline", 0, {{{0, 0, 0}}, {{1, 0, 0}}});
     Handle reference = append(db, model, newInsert(db, "P", {5, 5, 0}));
     (void)createExtensionDictionary(db, reference).value();
     const std::string before = test::withoutSeed(db);
