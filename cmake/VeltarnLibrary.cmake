@@ -31,7 +31,7 @@ endfunction()
 function(veltarn_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} veltarn_test_tools GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE
     VELTARN_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     VELTARN_BINARY_DIR="${PROJECT_BINARY_DIR}")

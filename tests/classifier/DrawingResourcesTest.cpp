@@ -178,8 +178,8 @@ TEST_F(DrawingResourcesTest, AShapeFolderJoinsTheSupportPathOnce) {
 
 TEST_F(DrawingResourcesTest, LinetypeFileLoadsTheMissingNamesOrEverything) {
     fs::copy_file(kShippedSupport / "acad.lin", dir_ / "survey.lin");
-    if (!host_->currentDrawing()->loadLinetypes(L"DASHED", wide(dir_ / "survey.lin")))
-        GTEST_SKIP() << "the workbench does not load linetype files through the seam yet";
+    ASSERT_TRUE(host_->currentDrawing()->loadLinetypes(L"DASHED", wide(dir_ / "survey.lin")));
+    EXPECT_NE(drawing().findRecord("LTYPE", "DASHED"), db::kNoHandle);
     ResourceNames loaded;
     ASSERT_TRUE(resources_->importResources(wide(dir_ / "survey.lin"), bit(ResourceKind::Linetype),
                                             {{ResourceKind::Linetype, {L"dotted", L"nosuch"}}}, loaded));

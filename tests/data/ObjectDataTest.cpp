@@ -1,5 +1,6 @@
 // The record cursor and the table definitions over real drawings: fixtures written by an
 // independent DXF library, damaged ones, and drawings we change and hand back to that library.
+#include "ExternalTools.h"
 #include "TestDrawing.h"
 
 #include "data/ObjectData.h"
@@ -74,13 +75,9 @@ ObjectId extensionEntry(host::Database& db, ObjectId entity, const std::wstring&
 
 // Saves the drawing and has the independent auditor check it: empty when it finds nothing.
 std::string auditSaved(TestDrawing& drawing, const std::string& name) {
-    std::filesystem::path tool = std::filesystem::path(VELTARN_SOURCE_DIR) / "../shared/tools/audit_dxf.py";
-    if (!test::haveEzdxf() || !std::filesystem::exists(tool)) return {};
     std::filesystem::path file = test::scratchDir(name) / "written.dxf";
     drawing.save(file);
-    std::string output;
-    if (test::runPython(tool.string() + " " + file.string(), &output) == 0) return {};
-    return output.empty() ? "audit failed" : output;
+    return testtools::audit(file);
 }
 
 const wchar_t* const kMainStreet =
@@ -455,7 +452,7 @@ std::string readText(const std::filesystem::path& path) {
 }
 
 TEST(Interop, anIndependentReaderSeesWhatWeWrote) {
-    if (!test::haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is needed";
+    ASSERT_EQ(testtools::missingEzdxf(), "");
     auto drawing = TestDrawing::load("good_records.dxf");
     host::Database& db = drawing->db();
 

@@ -1,6 +1,7 @@
 // Object data in R12 drawings, written by an independent library in ASCII and binary form: reads
 // leave the drawing R12 and untouched; the first table and record make it a 2018 drawing that the
 // other library reads back with the data; undoing that command leaves a drawing that still audits.
+#include "ExternalTools.h"
 #include "TestDrawing.h"
 
 #include "data/ObjectData.h"
@@ -19,7 +20,7 @@ using test::TestDrawing;
 
 namespace {
 
-const std::string kTools = std::string(VELTARN_SOURCE_DIR) + "/../shared/tools/";
+const std::string kGenerator = testtools::quoted((testtools::toolsDir() / "gen_dxf.py").string()) + " ";
 const std::string kDump = std::string(VELTARN_SOURCE_DIR) + "/tests/data/data/dump_object_data.py";
 
 std::string readBytes(const std::filesystem::path& path) {
@@ -37,10 +38,7 @@ std::string independentView(const std::filesystem::path& file) {
     return output;
 }
 
-std::string audit(const std::filesystem::path& file) {
-    std::string output;
-    return test::runPython(kTools + "audit_dxf.py '" + file.string() + "'", &output) == 0 ? "" : output + "(audit failed)";
-}
+using testtools::audit;
 
 ObjectDataRecord roadsDefinition() {
     ObjectDataRecord definition{L"", {FieldValue(L"NAME"), FieldValue(L"LANES"), FieldValue(L"AXIS")}};
@@ -74,11 +72,11 @@ struct Form {
 class R12Drawing : public testing::TestWithParam<Form> {
 protected:
     void SetUp() override {
-        if (!test::haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is needed to write the R12 drawing";
+        ASSERT_EQ(testtools::missingEzdxf(), "");
         dir_ = test::scratchDir(std::string("r12-") + GetParam().name);
         source_ = dir_ / "r12.dxf";
         std::string output;
-        ASSERT_EQ(test::runPython(kTools + "gen_dxf.py 6 '" + source_.string() + "' --version R12 --layers 2 " +
+        ASSERT_EQ(test::runPython(kGenerator + "6 '" + source_.string() + "' --version R12 --layers 2 " +
                                       GetParam().arguments, &output), 0) << output;
     }
 
@@ -122,10 +120,10 @@ INSTANTIATE_TEST_SUITE_P(Forms, R12Drawing, testing::Values(Form{"ascii", ""}, F
                          [](const testing::TestParamInfo<Form>& info) { return std::string(info.param.name); });
 
 TEST(R12DrawingUndo, undoingTheCommandThatConvertedGivesBackTheR12Drawing) {
-    if (!test::haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is needed to write the R12 drawing";
+    ASSERT_EQ(testtools::missingEzdxf(), "");
     const std::filesystem::path dir = test::scratchDir("r12-undo");
     std::string output;
-    ASSERT_EQ(test::runPython(kTools + "gen_dxf.py 6 '" + (dir / "r12.dxf").string() + "' --version R12 --layers 2", &output), 0)
+    ASSERT_EQ(test::runPython(kGenerator + "6 '" + (dir / "r12.dxf").string() + "' --version R12 --layers 2", &output), 0)
         << output;
     auto drawing = TestDrawing::read(dir / "r12.dxf");
     host::Database& db = drawing->db();

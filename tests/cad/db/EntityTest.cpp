@@ -34,7 +34,6 @@ std::string lineOf(const std::string& dump, Handle handle) {
 }
 
 TEST(EntityKinds, MapToTheModulesTypeNamesByExactKind) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = test::loadOrFail(test::generated("all-2018.dxf", "60 --kinds all"));
     std::map<std::string, std::set<std::string>> seen;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {
@@ -89,7 +88,6 @@ TEST(EntityProperties, CommonPropertiesAreWrittenAsOtherReadersExpect) {
     EXPECT_EQ(commonProperties(db.tags(b)).color, Color::byBlock());
     EXPECT_EQ(commonProperties(TagList{{0, "LINE"}, {8, "0"}}).color, Color::byLayer());
 
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("common");
     ASSERT_TRUE(db.save(dir / "c.dxf").ok());
     EXPECT_EQ(test::audit(dir / "c.dxf"), "");
@@ -156,7 +154,6 @@ TEST(EntityProperties, KindPropertiesAreReadAndWrittenWhereTheKindCarriesThem) {
     }
     EXPECT_FALSE(setTextJustification(probe, 15));
 
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("kinds");
     ASSERT_TRUE(back.save(dir / "k.dxf").ok());
     EXPECT_EQ(test::audit(dir / "k.dxf"), "");
@@ -169,7 +166,6 @@ TEST(EntityProperties, KindPropertiesAreReadAndWrittenWhereTheKindCarriesThem) {
 }
 
 TEST(Geometry, PolylineVerticesWithBulgesAreReplacedInBothPolylineForms) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = test::loadOrFail(test::generated("all-2018.dxf", "60 --kinds all"));
     std::vector<Vertex> shape{{{0, 0, 0}, 0.5}, {{10, 0, 0}, 0, 1, 2}, {{10, 10, 0}, -1}};
     int changed = 0;
@@ -194,7 +190,6 @@ TEST(Geometry, PolylineVerticesWithBulgesAreReplacedInBothPolylineForms) {
 }
 
 TEST(Geometry, HatchBoundariesOfEveryKindAreReadAndWrittenBack) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("hatch");
     std::string output;
     ASSERT_EQ(test::runPython(std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/make_edge_hatch.py " + (dir / "in.dxf").string(), &output), 0) << output;
@@ -226,7 +221,6 @@ TEST(Geometry, HatchBoundariesOfEveryKindAreReadAndWrittenBack) {
 // A multiline's vertices carry its directions, miters and element offsets: written from the style,
 // justification and scale as an independent writer computes them.
 TEST(Geometry, MultilineVerticesAreWrittenWithTheirMitersAndOffsets) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("mline");
     const auto drawing = test::madeByScript("make_explode_kinds.py");
     Database db = test::loadOrFail(drawing);
@@ -260,7 +254,6 @@ TEST(Geometry, MultilineVerticesAreWrittenWithTheirMitersAndOffsets) {
 }
 
 TEST(EntityCreation, EveryFactoryKindIsCleanForTheAuditor) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = Database::createNew();
     Handle block = db.addBlock("Mark").value();
     ASSERT_TRUE(db.appendEntity(block, newCircle(db, {0, 0, 0}, 1)).ok());

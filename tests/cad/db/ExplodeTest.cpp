@@ -75,7 +75,6 @@ TagList insertWithAttribute(const Database& db, std::string_view block, const Po
 }
 
 TEST(Explode, PiecesLieWhereAnIndependentExplodeShowsThem) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = Database::createNew();
     Handle model = db.modelSpace();
     Handle inner = db.addBlock("INNER", {0, 0, 0}).value();
@@ -187,7 +186,6 @@ TEST(Explode, RefusesWhatItCannotExplodeAndChangesNothing) {
 // Multilines break into what their style shows; hatches, multilines and wipeouts in a block are
 // placed with it (mirrored, scaled, tilted), as an independent explode places them.
 TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     auto dir = test::scratchDir("explode-kinds");
     const auto drawing = test::madeByScript("make_explode_kinds.py");
     Database db = test::loadOrFail(drawing);
@@ -229,7 +227,6 @@ TEST(Explode, MultilinesHatchesAndWipeoutsLieWhereAnIndependentExplodeShowsThem)
 
 // Caps a multiline suppresses are not drawn; an element's breaks leave gaps in its pieces.
 TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     const auto drawing = test::madeByScript("make_explode_kinds.py");
     Database db = test::loadOrFail(drawing);
     Handle open = db.entitiesOf(db.modelSpace()).front();
@@ -274,7 +271,6 @@ TEST(Explode, MultilinesKeepTheirSuppressedCapsAndBreaks) {
 // Damaged multilines, meshes and hatches (a tag missing, a number wild) explode or fail; they
 // never take the program down.
 TEST(Explode, DamagedTagsFailOrExplodeButNeverCrash) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     const auto drawing = test::madeByScript("make_explode_kinds.py");
     Database db = test::loadOrFail(drawing);
     std::vector<Handle> targets;
@@ -340,7 +336,6 @@ namespace {
 
 // Pieces take the form of the drawing they go into: an R12 drawing gets no subclass markers or owners.
 TEST(Explode, R12DrawingsStayReadable) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = test::loadOrFail(test::generated("all-r12.dxf", "40 --kinds all --version R12"));
     int exploded = 0;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {

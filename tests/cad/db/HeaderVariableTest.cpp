@@ -62,7 +62,6 @@ TEST(HeaderVariable, ChangedHeaderStillRaisesTheHandleSeed) {
 }
 
 TEST(HeaderVariable, BinaryDrawingTakesTheValueInItsOwnForm) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database db = test::loadOrFail(test::generated("all-2000-bin.dxf", "40 --kinds all --version R2000 --binary"));
     ASSERT_TRUE(db.setHeaderVariable("$LTSCALE", 40, "0.25").ok());
     ASSERT_TRUE(db.setHeaderVariable("$CECOLOR", 62, "3").ok());

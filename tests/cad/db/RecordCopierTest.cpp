@@ -35,7 +35,6 @@ std::string names(const std::vector<std::string>& list) {
 }
 
 TEST(RecordCopier, RecordsComeWithWhatTheyReferToAndExistingOnesAreKept) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database source = test::loadOrFail(resources());
     Database target = Database::createNew();
     writeLayer(target, {.name = "roads", .color = 5}).value();
@@ -91,7 +90,6 @@ TEST(RecordCopier, RecordsComeWithWhatTheyReferToAndExistingOnesAreKept) {
 // The data applications keep about a record or entity (its extension dictionary, xrecords and
 // nested dictionaries) goes with the copy; pointers in it lead into the target or become null.
 TEST(RecordCopier, ExtensionDictionariesGoWithTheirRecords) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database source = Database::createNew();
     writeLayer(source, {.name = "ROADS", .color = 3}).value();
     Handle roads = source.findRecord("LAYER", "ROADS");
@@ -136,7 +134,6 @@ TEST(RecordCopier, ExtensionDictionariesGoWithTheirRecords) {
 }
 
 TEST(RecordCopier, ACopyIsUndoneWholeAndConvertsAnR12Target) {
-    if (!test::haveChecker()) GTEST_SKIP() << "the shared tools are absent";
     Database source = test::loadOrFail(resources());
     Database target = Database::createNew();
     const std::string before = test::withoutSeed(target);

@@ -2,6 +2,7 @@
 // kind that ezdxf makes in every version and form. Written unchanged, a drawing must come back byte
 // for byte; rewritten tag by tag through decoding and encoding, ezdxf must read the same tags in
 // it and its auditor must find nothing new.
+#include "ExternalTools.h"
 #include "TestFiles.h"
 
 #include "cad/dxf/TagWriter.h"
@@ -18,16 +19,7 @@ namespace fs = std::filesystem;
 using test::quoted;
 
 const std::string kPython = "/usr/bin/python3";  // Debian's, which sees Debian's ezdxf
-const fs::path kTools = fs::path(VELTARN_SOURCE_DIR) / ".." / "shared" / "tools";
-
-// Why the ezdxf checks cannot run here; empty when they can.
-std::string missingTools() {
-    if (test::runCommand(kPython + " -c 'import ezdxf' 2>/dev/null").exitCode != 0)
-        return kPython + " with ezdxf is missing (Debian package python3-ezdxf)";
-    if (!fs::exists(kTools / "gen_dxf.py") || !fs::exists(kTools / "audit_dxf.py"))
-        return "the drawing tools are missing from " + kTools.string();
-    return {};
-}
+const fs::path kTools = testtools::toolsDir();
 
 // Checks that each drawing's unchanged write is the drawing itself, and writes its tag-by-tag
 // rewrite into `folder`. Returns the lines "original<TAB>rewrite" for dxf_tags.py.
@@ -70,11 +62,11 @@ TEST(RoundTrip, LibreCadPartsLibrary) {
             std::transform(name.begin(), name.end(), name.begin(), ::tolower);
             if (entry.is_regular_file() && name.ends_with(".dxf")) drawings.push_back(entry.path());
         }
-    if (drawings.empty()) GTEST_SKIP() << "no drawings in /usr/share/librecad (Debian package librecad)";
+    ASSERT_FALSE(drawings.empty()) << "no drawings in /usr/share/librecad (Debian package librecad)";
     std::sort(drawings.begin(), drawings.end());
     test::TempFolder folder;
     std::string pairs = roundTrip(drawings, folder.path());
-    if (std::string missing = missingTools(); !missing.empty()) GTEST_SKIP() << "byte-for-byte checks passed; " << missing;
+    ASSERT_EQ(testtools::missingEzdxf(), "");
     // Some of the library's drawings have faults of their own (owner handles, unknown styles).
     expectEzdxfAgrees(pairs, folder, true);
 }
@@ -82,7 +74,7 @@ TEST(RoundTrip, LibreCadPartsLibrary) {
 class GeneratedDrawing : public testing::TestWithParam<std::tuple<const char*, bool>> {};
 
 TEST_P(GeneratedDrawing, RoundTripsAndAuditsClean) {
-    if (std::string missing = missingTools(); !missing.empty()) GTEST_SKIP() << missing;
+    ASSERT_EQ(testtools::missingEzdxf(), "");
     const auto& [version, binary] = GetParam();
     test::TempFolder folder;
     fs::path drawing = folder / "drawing.dxf", rewritten = folder / "rewritten";

@@ -15,14 +15,14 @@ TEST(SettingsEnvironment, theSupportPathSurvivesTheSessionAndOtherSettingsAreKep
     {
         editor::SettingsEnvironment first(file, L"/usr/share/veltarn/support");
         EXPECT_EQ(first.supportPath(), L"/usr/share/veltarn/support");  // no file yet
-        ASSERT_TRUE(first.setSupportPath(L"/home/u/support;/home/u/f\u00FCr"));
+        ASSERT_TRUE(first.setSupportPath(L"/srv/u/support;/srv/u/f\u00FCr"));
     }
     std::ofstream(file, std::ios::app) << "other=1\n";
     {
         editor::SettingsEnvironment second(file, L"ignored");
-        EXPECT_EQ(second.supportPath(), L"/home/u/support;/home/u/f\u00FCr");
+        EXPECT_EQ(second.supportPath(), L"/srv/u/support;/srv/u/f\u00FCr");
         EXPECT_FALSE(second.setSupportPath(L"a\nb"));
-        EXPECT_EQ(second.supportPath(), L"/home/u/support;/home/u/f\u00FCr");
+        EXPECT_EQ(second.supportPath(), L"/srv/u/support;/srv/u/f\u00FCr");
         ASSERT_TRUE(second.setSupportPath(L""));
     }
     std::ifstream in(file);

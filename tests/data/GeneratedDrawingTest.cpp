@@ -1,0 +1,95 @@
+// Our fixture tools keep their promises: the generator's drawings are repeatable, clean for the
+// independent auditor, and hold object data the store reads as the generator wrote it; the audit
+// check finds a damaged drawing.
+#include "ExternalTools.h"
+#include "TestDrawing.h"
+
+#include "data/ObjectData.h"
+#include "data/ObjectDataTables.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+using namespace veltarn;
+using test::TestDrawing;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string readBytes(const fs::path& path) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+std::string generate(const fs::path& out, const std::string& arguments) {
+    std::string output;
+    const std::string script = testtools::quoted((testtools::toolsDir() / "gen_dxf.py").string());
+    return testtools::runPython(script + " " + arguments + " " + testtools::quoted(out.string()), &output) == 0 ? "" : output;
+}
+
+TEST(FixtureGenerator, SameSeedSameBytesAndEveryFormAuditsClean) {
+    ASSERT_EQ(testtools::missingEzdxf(), "");
+    const fs::path dir = test::scratchDir("generator-repeatable");
+    ASSERT_EQ(generate(dir / "a.dxf", "30 --kinds all --sortents 5 --seed 7"), "");
+    ASSERT_EQ(generate(dir / "b.dxf", "30 --kinds all --sortents 5 --seed 7"), "");
+    ASSERT_EQ(generate(dir / "c.dxf", "30 --kinds all --sortents 5 --seed 8"), "");
+    EXPECT_TRUE(readBytes(dir / "a.dxf") == readBytes(dir / "b.dxf")) << "the same seed gave different files";
+    EXPECT_FALSE(readBytes(dir / "a.dxf") == readBytes(dir / "c.dxf")) << "another seed gave the same file";
+    EXPECT_EQ(testtools::audit(dir / "a.dxf"), "");
+    ASSERT_EQ(generate(dir / "r12.dxf", "20 --kinds all --version R12 --binary"), "");
+    EXPECT_TRUE(readBytes(dir / "r12.dxf").starts_with("AutoCAD Binary DXF"));
+    EXPECT_EQ(testtools::audit(dir / "r12.dxf"), "");
+}
+
+TEST(FixtureGenerator, ObjectDataReadsBackThroughTheStore) {
+    ASSERT_EQ(testtools::missingEzdxf(), "");
+    const fs::path dir = test::scratchDir("generator-data");
+    ASSERT_EQ(generate(dir / "d.dxf", "24 --data all --tables 3 --layers 1"), "");
+    auto drawing = TestDrawing::read(dir / "d.dxf");
+    host::Database& db = drawing->db();
+    std::vector<std::wstring> tables;
+    ASSERT_EQ(listTables(db, kListTablesMode, tables), kOdOk);
+    EXPECT_EQ(tables, (std::vector<std::wstring>{L"ROADS", L"PIPES", L"CLASS_03"}));
+
+    int entities = 0, records = 0;
+    for (host::ObjectId entity : db.blockEntities(db.modelSpace())) {
+        ObjectData cursor(db);
+        ASSERT_EQ(cursor.open(entity), kOdOk) << "every entity has a record with --data all";
+        ++entities;
+        for (ObjectDataRecord record; !cursor.atEnd(); cursor.next()) {
+            ASSERT_EQ(cursor.read(record), kOdOk);
+            ASSERT_FALSE(record.fields.empty());
+            EXPECT_EQ(record.fields[0].name(), L"ID");
+            // The key holds the class's display name when no fault was asked for.
+            EXPECT_TRUE(record.fields[0].displayText() == L"Roads" || record.fields[0].displayText() == L"Pipes" ||
+                        record.fields[0].displayText() == L"Class 03")
+                << record.table << ": " << record.fields[0].displayText().size();
+            ++records;
+        }
+    }
+    EXPECT_EQ(entities, 24);
+    EXPECT_GT(records, entities) << "some entities carry two records";
+}
+
+TEST(AuditCheck, FindsADanglingEntryAndAnUnreadableFile) {
+    ASSERT_EQ(testtools::missingEzdxf(), "");
+    const fs::path dir = test::scratchDir("audit-check");
+    ASSERT_EQ(generate(dir / "good.dxf", "6"), "");
+    // Point the named objects dictionary's entry "ODEMUDATA" at a handle no object has.
+    std::string text = readBytes(dir / "good.dxf");
+    const std::size_t entry = text.find("ODEMUDATA\n350\n");
+    ASSERT_NE(entry, std::string::npos);
+    const std::size_t value = entry + std::string("ODEMUDATA\n350\n").size();
+    text.replace(value, text.find('\n', value) - value, "FFFFF");
+    std::ofstream(dir / "broken.dxf", std::ios::binary) << text;
+    EXPECT_NE(testtools::audit(dir / "broken.dxf").find("ODEMUDATA"), std::string::npos);
+
+    std::ofstream(dir / "truncated.dxf", std::ios::binary) << text.substr(0, text.size() / 3);
+    EXPECT_NE(testtools::audit(dir / "truncated.dxf").find("unreadable"), std::string::npos);
+}
+
+}  // namespace
