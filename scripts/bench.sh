@@ -8,7 +8,7 @@ set -euo pipefail
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD=$(cd "${1:-$ROOT/build}" && pwd)
 PYTHON=/usr/bin/python3  # Debian's, which sees Debian's ezdxf
-GENERATOR=$ROOT/../shared/tools/gen_dxf.py
+GENERATOR=$ROOT/tests/tools/gen_dxf.py
 DATA=$BUILD/bench-data
 DRAWING=$DATA/bench-200k.dxf
 OURS=$BUILD/bin/dxf_load_bench
