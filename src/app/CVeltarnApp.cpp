@@ -20,10 +20,10 @@ AppResult CVeltarnApp::dispatch(AppMessage message) {
 AppResult CVeltarnApp::On_kInitAppMsg() {
     registerSampleGroup(host_);
     const std::wstring group(kCommandGroup);
-    for (std::size_t i = 0; i < kCommandTable.size(); ++i) {
-        const std::wstring name(kCommandTable[i].name);
+    for (const CommandEntry& entry : commands_) {
+        const std::wstring name(entry.name);
         // The command stack is asked for afresh each time, as the host may hand out a new one.
-        host_.commandStack().addCommand(group, name, name, kCommandFlags, [this, i] { run(i); });
+        host_.commandStack().addCommand(group, name, name, kCommandFlags, [this, &entry] { run(entry); });
     }
     return AppResult::kRetOK;
 }
@@ -62,25 +62,19 @@ AppResult CVeltarnApp::On_kUnloadDwgMsg() {
     return AppResult::kRetOK;
 }
 
-bool CVeltarnApp::setHandler(std::wstring_view name, host::CommandHandler handler) {
-    const int index = commandIndex(name);
-    if (index < 0) return false;
-    handlers_[static_cast<std::size_t>(index)] = std::move(handler);
-    return true;
-}
-
-void CVeltarnApp::run(std::size_t index) {
+void CVeltarnApp::run(const CommandEntry& entry) {
     // Each command of the module uses the module's own texts; they are built in, so there is no
     // resource handle to switch for the command's duration.
-    if (handlers_[index]) {
-        handlers_[index]();
-        return;
-    }
-    if (kCommandTable[index].needsClassifier && !state_.classifier) {
+    if (entry.needsClassifier && !state_.classifier) {
         host_.editor().print(loadString(StringId::kErrorNoFileLoaded));
         return;
     }
-    host_.editor().print(host::format(loadString(StringId::kErrorNotAvailable), std::wstring(kCommandTable[index].name)));
+    if (!entry.handler) {
+        host_.editor().print(host::format(loadString(StringId::kErrorNotAvailable), std::wstring(entry.name)));
+        return;
+    }
+    CommandContext context{host_, state_};
+    entry.handler(context);
 }
 
 }  // namespace veltarn

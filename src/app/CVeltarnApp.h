@@ -2,11 +2,10 @@
 // unload, in a fixed order.
 #pragma once
 
-#include <array>
-#include <string_view>
+#include <span>
 
 #include "app/CommandTable.h"
-#include "app/ModuleState.h"
+#include "module/ModuleState.h"
 #include "host/Host.h"
 
 namespace veltarn {
@@ -17,14 +16,17 @@ enum class AppResult { kRetOK = 0, kRetError = 3 };
 
 class CVeltarnApp {
 public:
-    CVeltarnApp(host::Host& host, ModuleState& state) : host_(host), state_(state) {}
+    // `commands` is the module's table; a test may register a table of its own.
+    CVeltarnApp(host::Host& host, ModuleState& state, std::span<const CommandEntry> commands = kCommandTable)
+        : host_(host), state_(state), commands_(commands) {}
     CVeltarnApp(const CVeltarnApp&) = delete;
     CVeltarnApp& operator=(const CVeltarnApp&) = delete;
 
     // Sends `message` to its handler; messages without one of ours get the base behaviour.
     AppResult dispatch(AppMessage message);
 
-    // The sample group first, then the 28 commands in table order, each with flags 70.
+    // The sample group first, then the commands in table order, each with flags 70 and the
+    // handler of its entry.
     AppResult On_kInitAppMsg();
     // Saves the palette lists (with a classifier), ends the palette sets, frees the classifier and
     // the resource library, removes the group "VELTARN", then the sample group.
@@ -34,17 +36,14 @@ public:
     AppResult On_kUnloadDwgMsg();
     void RegisterServerComponents() {}
 
-    // Connects the handler of a command whose feature is built; until then the command says that
-    // it is not available yet (or, when it needs a classifier and none is loaded, "Error: no file
-    // loaded.\n", as it will once built). False for a name that is not one of the 28.
-    bool setHandler(std::wstring_view name, host::CommandHandler handler);
-
 private:
-    void run(std::size_t index);
+    // Checks for a classifier when the entry needs one, then runs its handler; a command without
+    // one says that it is not available yet.
+    void run(const CommandEntry& entry);
 
     host::Host& host_;
     ModuleState& state_;
-    std::array<host::CommandHandler, kCommandTable.size()> handlers_;
+    std::span<const CommandEntry> commands_;
 };
 
 }  // namespace veltarn

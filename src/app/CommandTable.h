@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "host/CommandFlags.h"
+#include "module/CommandContext.h"
 
 namespace veltarn {
 
@@ -17,11 +18,15 @@ static_assert(kCommandFlags == 70);
 
 struct CommandEntry {
     std::wstring_view name;  // global name; the local name is the same
-    // Stops with "Error: no file loaded.\n" when no classifier is loaded.
+    // Stops with "Error: no file loaded.\n" when no classifier is loaded, before the handler runs.
     bool needsClassifier;
+    // The command itself, in the file of its family (src/commands, src/draw, src/gui); null while
+    // the command is not built, which then says so when typed.
+    ModuleCommand handler = nullptr;
 };
 
 // In registration order: the order is part of the interface (the host lists commands this way).
+// Adding a command is one line here: its handler in the entry of its name.
 inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_CLASSIFY", true},
     {L"VELTARN_CLASSIFY_AUTO", true},

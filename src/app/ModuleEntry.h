@@ -10,7 +10,7 @@ namespace veltarn {
 // (kRetOK); a second kInitApp while loaded is refused (kRetError) and changes nothing.
 AppResult veltarnEntryPoint(AppMessage message, host::Host& host);
 
-// The loaded application object, for connecting command handlers; null when not loaded.
+// The loaded application object; null when not loaded.
 CVeltarnApp* loadedApp();
 
 }  // namespace veltarn

@@ -116,13 +116,19 @@ TEST_F(CVeltarnAppTest, unbuiltCommandsSayWhyTheyDoNothing) {
               L"Command: _VELTARN_CLASSIFY\nError: 'VELTARN_CLASSIFY' is not available yet.\n");
 }
 
-TEST_F(CVeltarnAppTest, aConnectedHandlerRunsInsteadAndDoesItsOwnChecks) {
-    int runs = 0;
-    EXPECT_TRUE(app_.setHandler(L"veltarn_draw", [&] { ++runs; }));
-    EXPECT_FALSE(app_.setHandler(L"VELTARN_NOSUCH", [] {}));
-    app_.On_kInitAppMsg();
-    EXPECT_EQ(host_.type(L"veltarn_draw\n"), L"Command: veltarn_draw\n");
-    EXPECT_EQ(runs, 1);
+// A command's handler gets the host and the module state, after the classifier check of its entry.
+void countRun(CommandContext& context) {
+    context.host.editor().print(L"ran with " + std::to_wstring(context.state.classifierPath.size()) + L"\n");
+}
+
+TEST_F(CVeltarnAppTest, aTablesHandlersRunWithTheirContextAfterTheClassifierCheck) {
+    const std::array<CommandEntry, 2> table{{{L"VELTARN_DRAW", true, &countRun}, {L"VELTARN_ABOUT", false, &countRun}}};
+    CVeltarnApp app(host_, state_, table);
+    app.On_kInitAppMsg();
+    EXPECT_EQ(host_.type(L"veltarn_draw\nveltarn_about\n"),
+              L"Command: veltarn_draw\nError: no file loaded.\nCommand: veltarn_about\nran with 0\n");
+    loadClassifier();
+    EXPECT_EQ(host_.type(L"veltarn_draw\n"), L"Command: veltarn_draw\nran with " + std::to_wstring(classifierPath_.size()) + L"\n");
 }
 
 TEST_F(CVeltarnAppTest, sampleCommandsAndLispFunctionBehaveAsTheTemplateDefinesThem) {

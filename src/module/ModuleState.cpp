@@ -1,4 +1,4 @@
-#include "app/ModuleState.h"
+#include "module/ModuleState.h"
 
 namespace veltarn {
 

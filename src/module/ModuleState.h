@@ -1,11 +1,12 @@
-// The module-wide objects: one of each per process, all empty until a command creates them.
+// The module-wide objects: one of each per process, all empty until a command creates them. Every
+// command reaches them through its CommandContext.
 #pragma once
 
 #include <functional>
 #include <memory>
 #include <string>
 
-#include "app/PaletteSet.h"
+#include "module/PaletteSet.h"
 #include "classifier/Classifier.h"
 
 namespace veltarn {
