@@ -16,6 +16,8 @@ public:
     virtual void objectAppended(Database& /*database*/, ObjectId /*id*/) {}
     // An object was erased (`erased` true) or brought back by undo (`erased` false).
     virtual void objectErased(Database& /*database*/, ObjectId /*id*/, bool /*erased*/) {}
+    // An object that stays in the drawing changed: written and closed, or restored by undo or redo.
+    virtual void objectModified(Database& /*database*/, ObjectId /*id*/) {}
 };
 
 }  // namespace veltarn::host

@@ -44,6 +44,17 @@ private:
 
 enum class LockMode { kExclusiveWrite, kShared };
 
+// Notifications of documents becoming current and going away. Added with Documents::addReactor()
+// and removed with removeReactor(), in pairs.
+class DocumentReactor {
+public:
+    virtual ~DocumentReactor() = default;
+    // `document` is now the current one (opened, or switched to).
+    virtual void documentActivated(Document& /*document*/) {}
+    // `document` is about to close; it and its drawing can still be read.
+    virtual void documentToBeDestroyed(Document& /*document*/) {}
+};
+
 class Documents {
 public:
     virtual ~Documents() = default;
@@ -62,6 +73,9 @@ public:
 
     // Locks `document`. Nesting a lock inside the command's own is allowed.
     virtual DocumentLock lock(Document& document, LockMode mode) = 0;
+
+    virtual void addReactor(DocumentReactor* reactor) = 0;
+    virtual void removeReactor(DocumentReactor* reactor) = 0;
 };
 
 }  // namespace veltarn::host

@@ -1,4 +1,4 @@
-// Notifications of the command line: commands starting and ending.
+// Notifications of the command line: commands starting and ending, the pick-first set changing.
 #pragma once
 
 #include <string>
@@ -16,6 +16,9 @@ public:
     virtual void commandCancelled(const std::wstring& /*command*/) {}
     // The command could not run or stopped on an error of its own.
     virtual void commandFailed(const std::wstring& /*command*/) {}
+    // The pick-first set is now another one (a selection made, or the set cleared): the properties
+    // palette shows the new set's values.
+    virtual void pickFirstModified() {}
 };
 
 }  // namespace veltarn::host

@@ -63,16 +63,18 @@ private:
         host::Document* documentOf(const host::Database&) override { return nullptr; }
         void sendStringToExecute(host::Document&, const std::wstring&, bool, bool, bool) override {}
         host::DocumentLock lock(host::Document&, host::LockMode) override { return {}; }
+        void addReactor(host::DocumentReactor*) override {}
+        void removeReactor(host::DocumentReactor*) override {}
     } documents_;
     struct NoEnvironment : host::Environment {
         std::wstring supportPath() const override { return {}; }
         bool setSupportPath(const std::wstring&) override { return false; }
+        std::optional<std::wstring> setting(const std::wstring&) const override { return std::nullopt; }
+        bool setSetting(const std::wstring&, const std::wstring&) override { return false; }
     } environment_;
     struct NoDialogs : host::Dialogs {
         std::optional<std::wstring> openFile(const host::FileDialogRequest&) override { return std::nullopt; }
         std::optional<std::wstring> saveFile(const host::FileDialogRequest&) override { return std::nullopt; }
-        bool classificationParameters(host::ClassificationParameters&) override { return false; }
-        bool chooseForRemoval(const std::vector<std::wstring>&, std::vector<std::wstring>&) override { return false; }
         void textBox(const std::wstring&, const std::wstring&, int, int) override {}
     } dialogs_;
 };

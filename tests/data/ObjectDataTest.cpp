@@ -281,6 +281,8 @@ public:
         events.push_back(mode == host::LockMode::kExclusiveWrite ? "lock exclusive" : "lock shared");
         return host::DocumentLock([this] { events.push_back("unlock"); });
     }
+    void addReactor(host::DocumentReactor*) override {}
+    void removeReactor(host::DocumentReactor*) override {}
 
     std::vector<std::string> events;
 

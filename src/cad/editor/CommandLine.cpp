@@ -98,6 +98,14 @@ void CommandLine::removeReactor(host::EditorReactor* reactor) {
     if (it != reactors_.end()) reactors_.erase(it);
 }
 
+void CommandLine::setPickFirst(const std::vector<host::ObjectId>& ids) {
+    if (ids == pickFirst_) return;
+    pickFirst_ = ids;
+    const std::vector<host::EditorReactor*> snapshot = reactors_;
+    for (host::EditorReactor* reactor : snapshot)
+        if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) reactor->pickFirstModified();
+}
+
 void CommandLine::notify(void (host::EditorReactor::*event)(const std::wstring&), const std::wstring& name) {
     // A reactor may remove itself, or others, while it is told: each is called only while it is
     // still registered.
@@ -130,7 +138,7 @@ CommandLine::Outcome CommandLine::execute(const Command& command, const std::wst
         print(L"Command not allowed in a layout: " + name + L"\n");
         return Outcome::kRefused;
     }
-    if (!(command.flags & host::CommandFlags::kUsePickSet)) pickFirst_.clear();
+    if (!(command.flags & host::CommandFlags::kUsePickSet)) setPickFirst({});
     // A copy: the handler may remove its own group while it runs.
     const host::CommandHandler handler = command.handler;
     const int flags = command.flags;
@@ -145,7 +153,7 @@ CommandLine::Outcome CommandLine::execute(const Command& command, const std::wst
     }
     const bool cancelled = frames_.back().cancelled;
     frames_.pop_back();
-    if (!(flags & host::CommandFlags::kRedraw) && !(flags & host::CommandFlags::kTransparent)) pickFirst_.clear();
+    if (!(flags & host::CommandFlags::kRedraw) && !(flags & host::CommandFlags::kTransparent)) setPickFirst({});
     if (frames_.empty()) {
         for (const std::wstring& text : held_) input_.queue(text);
         held_.clear();

@@ -55,7 +55,8 @@ public:
                                   std::wstring& answer) override;
     host::PromptStatus select(host::SelectionMode mode, std::vector<host::ObjectId>& ids) override;
     std::vector<host::ObjectId> pickFirst() const override { return pickFirst_; }
-    void setPickFirst(const std::vector<host::ObjectId>& ids) override { pickFirst_ = ids; }
+    // Tells the reactors when the set becomes another one.
+    void setPickFirst(const std::vector<host::ObjectId>& ids) override;
     void print(const std::wstring& text) override;
     void messageBox(const std::wstring& text, const std::wstring& caption, host::MessageIcon icon) override;
     host::PromptStatus command(const host::ResultBuffer& tokens) override;

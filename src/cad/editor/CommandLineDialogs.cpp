@@ -2,10 +2,7 @@
 
 #include <filesystem>
 
-#include "host/Format.h"
-#include "host/NumberRules.h"
 #include "host/Utf8.h"
-#include "res/DialogTexts.h"
 
 namespace veltarn::editor {
 namespace {
@@ -62,40 +59,6 @@ std::optional<std::wstring> CommandLineDialogs::saveFile(const host::FileDialogR
         if (status != host::PromptStatus::kNormal || answer != L"Yes") return std::nullopt;
     }
     return path;
-}
-
-bool CommandLineDialogs::askFlag(const std::wstring& caption, bool& value) {
-    std::wstring answer;
-    if (editor_.getString(host::format(L"%s [0/1]<%i>: ", caption, value ? 1 : 0), false, answer) !=
-        host::PromptStatus::kNormal)
-        return false;
-    if (!answer.empty()) value = host::wtoi(answer) > 0;
-    return true;
-}
-
-bool CommandLineDialogs::classificationParameters(host::ClassificationParameters& parameters) {
-    host::ClassificationParameters shown = parameters;
-    if (!askFlag(dialog_texts::kAssignGraphicalProperties, shown.assignGraphicalProperties)) return false;
-    if (!askFlag(dialog_texts::kAttachOd, shown.attachObjectData)) return false;
-    if (shown.attachObjectData) {
-        if (!askFlag(dialog_texts::kChangeObject, shown.changeObject)) return false;
-        if (!askFlag(dialog_texts::kDefineFieldOd, shown.defineFieldValues)) return false;
-    }
-    parameters = shown;
-    return true;
-}
-
-bool CommandLineDialogs::chooseForRemoval(const std::vector<std::wstring>& names, std::vector<std::wstring>& chosen) {
-    bool all = false;
-    if (!askFlag(dialog_texts::kSelectAll, all)) return false;
-    std::vector<std::wstring> marked;
-    for (const std::wstring& name : names) {
-        bool remove = all;
-        if (!all && !askFlag(L"Remove " + name + L"?", remove)) return false;
-        if (remove) marked.push_back(name);
-    }
-    chosen = std::move(marked);
-    return true;
 }
 
 void CommandLineDialogs::textBox(const std::wstring& title, const std::wstring& text, int, int) {

@@ -1,4 +1,4 @@
-// The module's dialogs answered on the command line: one prompt per control, in the dialog's order.
+// The host's dialogs answered on the command line: file names typed, the text box printed.
 #pragma once
 
 #include "host/Dialogs.h"
@@ -6,8 +6,8 @@
 
 namespace veltarn::editor {
 
-// As CAD programs do with their file dialogs switched off: file names are typed, check boxes are
-// "[0/1]<%i>" prompts, the text box is printed. Any cancelled prompt cancels the dialog.
+// As CAD programs do with their file dialogs switched off: file names are typed, the text box is
+// printed. A cancelled prompt cancels the dialog.
 class CommandLineDialogs : public host::Dialogs {
 public:
     explicit CommandLineDialogs(host::Editor& editor) : editor_(editor) {}
@@ -19,19 +19,11 @@ public:
     // "Enter name of file to save <initial>: ". The folder must exist; an existing file is replaced
     // only after "Replace it? [Yes/No] <No>: " is answered Yes, when the request asks for that.
     std::optional<std::wstring> saveFile(const host::FileDialogRequest& request) override;
-    // One prompt per check box; "Change object" and "Define field OD" are asked only while "Attach
-    // OD" is 1, as the dialog enables them only then. Enter keeps a value, other answers are read
-    // as integers and clamped to 0 or 1.
-    bool classificationParameters(host::ClassificationParameters& parameters) override;
-    // "Select All [0/1]<0>: ", then, unless all were selected, "Remove <name>? [0/1]<0>: " per name.
-    bool chooseForRemoval(const std::vector<std::wstring>& names, std::vector<std::wstring>& chosen) override;
     // The title on a line of its own, then the text.
     void textBox(const std::wstring& title, const std::wstring& text, int width, int height) override;
 
 private:
     std::optional<std::wstring> askPath(const std::wstring& prompt, const host::FileDialogRequest& request);
-    // A 0/1 prompt; false when cancelled.
-    bool askFlag(const std::wstring& caption, bool& value);
 
     host::Editor& editor_;
 };

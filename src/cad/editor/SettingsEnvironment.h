@@ -1,8 +1,10 @@
-// The user's settings kept between sessions in a small text file: the support search path.
+// The user's settings kept between sessions in a small text file: the support search path and
+// named values.
 #pragma once
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "host/Environment.h"
@@ -27,9 +29,17 @@ public:
     // refused and changes nothing.
     bool setSupportPath(const std::wstring& path) override;
 
+    // Keys are names without "=" or line ends; "supportPath" is the support path's own.
+    std::optional<std::wstring> setting(const std::wstring& key) const override;
+    bool setSetting(const std::wstring& key, const std::wstring& value) override;
+
 private:
+    // Replaces the file's line of `key` (or adds one) and writes it beside and renames it over.
+    bool store(const std::string& key, const std::string& value);
+
     std::filesystem::path file_;
     std::wstring supportPath_;
+    std::map<std::wstring, std::wstring> values_;
 };
 
 }  // namespace veltarn::editor

@@ -197,6 +197,13 @@ void WorkbenchDatabase::notifyErased(db::Handle handle, bool erased) {
             reactor->objectErased(*this, {handle}, erased);
 }
 
+void WorkbenchDatabase::notifyModified(db::Handle handle) {
+    const auto snapshot = reactors_;
+    for (host::DatabaseReactor* reactor : snapshot)
+        if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end())
+            reactor->objectModified(*this, {handle});
+}
+
 bool WorkbenchDatabase::eraseObject(db::Handle handle) { return db::eraseObject(db_, handle) == db::OpenStatus::Ok; }
 
 bool WorkbenchDatabase::undo() {

@@ -106,12 +106,14 @@ private:
         explicit Relay(WorkbenchDatabase& owner) : owner_(owner) {}
         void objectAppended(const db::Database&, db::Handle object) override { owner_.notifyAppended(object); }
         void objectErased(const db::Database&, db::Handle object, bool erased) override { owner_.notifyErased(object, erased); }
+        void objectModified(const db::Database&, db::Handle object) override { owner_.notifyModified(object); }
 
     private:
         WorkbenchDatabase& owner_;
     };
     void notifyAppended(db::Handle handle);
     void notifyErased(db::Handle handle, bool erased);
+    void notifyModified(db::Handle handle);
     // The handle opens are counted under: the stand-in's opens move to the real root dictionary
     // once the drawing has one, so that one writer excludes the other id's readers too.
     db::Handle counted(db::Handle handle);

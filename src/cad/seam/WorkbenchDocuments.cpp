@@ -2,6 +2,8 @@
 
 #include "cad/seam/ValueConversion.h"
 
+#include <algorithm>
+
 namespace veltarn::seam {
 
 std::wstring WorkbenchDocument::fileName() const {
@@ -18,8 +20,29 @@ std::wstring WorkbenchDocument::folder() const {
 }
 
 WorkbenchDocument& WorkbenchDocuments::open(std::unique_ptr<WorkbenchDatabase> database) {
+    close();
     current_ = std::make_unique<WorkbenchDocument>(std::move(database));
+    notify(&host::DocumentReactor::documentActivated, *current_);
     return *current_;
+}
+
+void WorkbenchDocuments::close() {
+    if (!current_) return;
+    notify(&host::DocumentReactor::documentToBeDestroyed, *current_);
+    current_.reset();
+}
+
+void WorkbenchDocuments::addReactor(host::DocumentReactor* reactor) {
+    if (reactor && std::find(reactors_.begin(), reactors_.end(), reactor) == reactors_.end()) reactors_.push_back(reactor);
+}
+
+void WorkbenchDocuments::removeReactor(host::DocumentReactor* reactor) { std::erase(reactors_, reactor); }
+
+void WorkbenchDocuments::notify(void (host::DocumentReactor::*event)(host::Document&), host::Document& document) {
+    // A reactor may remove itself while it is told: each is told only while still registered.
+    const auto snapshot = reactors_;
+    for (host::DocumentReactor* reactor : snapshot)
+        if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) (reactor->*event)(document);
 }
 
 host::Document* WorkbenchDocuments::documentOf(const host::Database& database) {

@@ -31,9 +31,10 @@ public:
     explicit WorkbenchDocuments(Sender send) : send_(std::move(send)) {}
 
     // Makes `database` the current document, closing the one before; returns the new document.
+    // Reactors hear of the closing and then of the activation.
     WorkbenchDocument& open(std::unique_ptr<WorkbenchDatabase> database);
-    // Closes the current document; afterwards there is none.
-    void close() { current_.reset(); }
+    // Closes the current document, telling the reactors first; afterwards there is none.
+    void close();
     WorkbenchDocument* currentDocument() { return current_.get(); }
 
     // Locks held now (nested locks count each).
@@ -44,9 +45,14 @@ public:
     void sendStringToExecute(host::Document& document, const std::wstring& text, bool activate = true,
                              bool wrapUpInactive = false, bool echo = false) override;
     host::DocumentLock lock(host::Document& document, host::LockMode mode) override;
+    void addReactor(host::DocumentReactor* reactor) override;
+    void removeReactor(host::DocumentReactor* reactor) override;
 
 private:
+    void notify(void (host::DocumentReactor::*event)(host::Document&), host::Document& document);
+
     Sender send_;
+    std::vector<host::DocumentReactor*> reactors_;
     std::unique_ptr<WorkbenchDocument> current_;
     int lockDepth_ = 0;
 };

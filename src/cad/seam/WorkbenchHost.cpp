@@ -61,6 +61,8 @@ void WorkbenchHost::closeDocument() {
     if (closing_) closing_();
     working_ = nullptr;
     documents_.close();
+    // The set named objects of the drawing that is gone.
+    commandLine_.setPickFirst({});
 }
 
 void WorkbenchHost::openDocument(std::unique_ptr<WorkbenchDatabase> drawing) {

@@ -63,43 +63,4 @@ TEST_F(CommandLineDialogsTest, saveAsksBeforeReplacingAndNeedsAnExistingFolder) 
     EXPECT_NE(transcript_.find(L"Folder not found: "), std::wstring::npos);
 }
 
-TEST_F(CommandLineDialogsTest, classificationParametersAskOnlyTheEnabledBoxes) {
-    host::ClassificationParameters p;
-    type(L"0\n0\n");
-    ASSERT_TRUE(dialogs_.classificationParameters(p));
-    EXPECT_EQ(transcript_, L"Assign graphical properties [0/1]<1>: 0\nAttach OD [0/1]<1>: 0\n");
-    EXPECT_FALSE(p.assignGraphicalProperties);
-    EXPECT_FALSE(p.attachObjectData);
-    EXPECT_TRUE(p.changeObject);  // not asked while attach is off: kept as it was
-
-    type(L"\n7\n0\n-2\n");
-    ASSERT_TRUE(dialogs_.classificationParameters(p));
-    EXPECT_EQ(transcript_, L"Assign graphical properties [0/1]<0>: \nAttach OD [0/1]<0>: 7\n"
-                           L"Change object [0/1]<1>: 0\nDefine field OD [0/1]<1>: -2\n");
-    EXPECT_FALSE(p.assignGraphicalProperties);
-    EXPECT_TRUE(p.attachObjectData);
-    EXPECT_FALSE(p.changeObject);
-    EXPECT_FALSE(p.defineFieldValues);
-
-    const host::ClassificationParameters before = p;
-    type(L"1\nEsc\n");
-    EXPECT_FALSE(dialogs_.classificationParameters(p));
-    EXPECT_EQ(p.assignGraphicalProperties, before.assignGraphicalProperties);  // cancel changes nothing
-}
-
-TEST_F(CommandLineDialogsTest, removeChoosesSomeOrAllNamesInTheirOrder) {
-    std::vector<std::wstring> chosen;
-    type(L"0\n1\n0\n1\n");
-    ASSERT_TRUE(dialogs_.chooseForRemoval({L"Road", L"River", L"Rail"}, chosen));
-    EXPECT_EQ(chosen, (std::vector<std::wstring>{L"Road", L"Rail"}));
-    EXPECT_EQ(transcript_, L"Select All [0/1]<0>: 0\nRemove Road? [0/1]<0>: 1\nRemove River? [0/1]<0>: 0\n"
-                           L"Remove Rail? [0/1]<0>: 1\n");
-    type(L"1\n");
-    ASSERT_TRUE(dialogs_.chooseForRemoval({L"Road", L"River"}, chosen));
-    EXPECT_EQ(chosen.size(), 2u);
-    type(L"0\n\x03");
-    EXPECT_FALSE(dialogs_.chooseForRemoval({L"Road"}, chosen));
-    EXPECT_EQ(chosen.size(), 2u);
-}
-
 }  // namespace

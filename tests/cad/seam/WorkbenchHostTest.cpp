@@ -9,6 +9,8 @@
 #include "cad/db/EntityFactory.h"
 #include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
+#include "host/DatabaseReactor.h"
+#include "host/EditorReactor.h"
 
 namespace veltarn::seam {
 namespace {
@@ -99,6 +101,41 @@ TEST_F(WorkbenchHostTest, DocumentEventsAndNamesFollowTheOpenDrawing) {
     EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
     { auto nested = host_.documents().lock(*host_.documents().current(), host::LockMode::kShared); }
     EXPECT_EQ(host_.workbenchDocuments().lockDepth(), 1);
+}
+
+// What the palettes listen to: objects changed in place, the pick-first set, documents coming and going.
+TEST_F(WorkbenchHostTest, ReactorsHearOfModifiedObjectsThePickFirstSetAndDocuments) {
+    struct Recorder : host::DatabaseReactor, host::EditorReactor, host::DocumentReactor {
+        void objectModified(host::Database&, host::ObjectId id) override { events.push_back("modified " + std::to_string(id.handle)); }
+        void pickFirstModified() override { events.push_back("pick-first"); }
+        void documentActivated(host::Document& d) override { events.push_back("activated " + narrow(d.fileName())); }
+        void documentToBeDestroyed(host::Document& d) override { events.push_back("closing " + narrow(d.fileName())); }
+        std::vector<std::string> events;
+    } recorder;
+    host::Database& db = *host_.workingDatabase();
+    auto line = db.appendEntity(db.modelSpace(), host::EntityClass::kLine);
+    ASSERT_TRUE(line);
+    const host::ObjectId id = line->id();
+    line.reset();
+    db.addReactor(&recorder);
+    host_.editor().addReactor(&recorder);
+    host_.documents().addReactor(&recorder);
+
+    { EXPECT_TRUE(db.openEntity(id, host::OpenMode::kWrite)->setProperty(host::EntityProperty::kColor, host::Color::fromIndex(3))); }
+    { auto unchanged = db.openEntity(id, host::OpenMode::kWrite); }  // opened for write, not changed
+    host_.editor().setPickFirst({id});
+    host_.editor().setPickFirst({id});  // the same set: no news
+    db.removeReactor(&recorder);
+    const fs::path file = dir_ / "next.dxf";
+    ASSERT_TRUE(db::Database::createNew().save(file).ok());
+    host_.openDocument(std::move(WorkbenchDatabase::read(file).value()));
+    host_.editor().removeReactor(&recorder);
+    host_.documents().removeReactor(&recorder);
+    host_.closeDocument();
+
+    const std::string modified = "modified " + std::to_string(id.handle);
+    EXPECT_EQ(recorder.events, (std::vector<std::string>{modified, "pick-first", "closing Drawing1.dxf",
+                                                         "pick-first", "activated next.dxf"}));
 }
 
 TEST_F(WorkbenchHostTest, TheSessionTakesTheVariablesTheDrawingsHeaderKeeps) {
