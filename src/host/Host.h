@@ -10,6 +10,7 @@
 #include "host/Documents.h"
 #include "host/Editor.h"
 #include "host/Environment.h"
+#include "host/Palettes.h"
 #include "host/SystemVariables.h"
 
 namespace veltarn::host {
@@ -26,6 +27,7 @@ public:
     virtual SystemVariables& systemVariables() = 0;
     virtual Environment& environment() = 0;
     virtual Dialogs& dialogs() = 0;
+    virtual Palettes& palettes() = 0;
 
     // The drawing that new objects go to: the current document's, unless a command has set
     // another one for its duration. Null when no drawing is open.

@@ -41,6 +41,7 @@ public:
     host::SystemVariables& systemVariables() override { return variables; }
     host::Environment& environment() override { return environment_; }
     host::Dialogs& dialogs() override { return dialogs_; }
+    host::Palettes& palettes() override { return palettes_; }
     host::Database* workingDatabase() override { return nullptr; }
     std::unique_ptr<host::Database> readDrawing(const std::wstring&) override { return nullptr; }
 
@@ -77,6 +78,16 @@ private:
         std::optional<std::wstring> saveFile(const host::FileDialogRequest&) override { return std::nullopt; }
         void textBox(const std::wstring&, const std::wstring&, int, int) override {}
     } dialogs_;
+    struct NoPalettes : host::Palettes {
+        bool addFactory(std::unique_ptr<host::PaletteSetFactory>) override { return false; }
+        void removeFactory(const std::wstring&) override {}
+        host::PaletteContent* show(const std::wstring&) override { return nullptr; }
+        void hide(const std::wstring&) override {}
+        bool isVisible(const std::wstring&) const override { return false; }
+        host::PaletteContent* content(const std::wstring&) override { return nullptr; }
+        void destroy(const std::wstring&) override {}
+        bool wasVisible(const std::wstring&) const override { return false; }
+    } palettes_;
 };
 
 }  // namespace veltarn::testing

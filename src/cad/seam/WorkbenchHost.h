@@ -8,6 +8,7 @@
 
 #include "cad/editor/CommandLine.h"
 #include "cad/editor/CommandLineDialogs.h"
+#include "cad/seam/WorkbenchPalettes.h"
 #include "cad/editor/CommandRegistry.h"
 #include "cad/editor/SettingsEnvironment.h"
 #include "cad/editor/SystemVariableTable.h"
@@ -57,6 +58,7 @@ public:
     host::SystemVariables& systemVariables() override { return variables_; }
     host::Environment& environment() override { return environment_; }
     host::Dialogs& dialogs() override { return dialogs_; }
+    host::Palettes& palettes() override { return palettes_; }
     host::Database* workingDatabase() override;
     // Any path is read as DXF, so ".dxf", ".dwg" and ".dwt" paths that hold DXF load; a real DWG
     // file, a missing file or a damaged one gives null.
@@ -68,6 +70,7 @@ private:
     editor::CommandLine commandLine_;
     editor::CommandLineDialogs dialogs_;
     editor::SettingsEnvironment environment_;
+    WorkbenchPalettes palettes_{environment_};  // after the settings it saves to
     WorkbenchDocuments documents_;
     ObjectSelector selector_;
     CommandJournal journal_;
