@@ -1,6 +1,6 @@
 #include "classifier/ClassDef.h"
 
-#include "classifier/Trim.h"
+#include "base/Trim.h"
 #include "host/LowerCase.h"
 
 namespace veltarn {

@@ -1,6 +1,6 @@
 #include "classifier/ClassifierLines.h"
 
-#include "classifier/Trim.h"
+#include "base/Trim.h"
 #include "host/Utf8.h"
 
 #include <cstdio>

@@ -4,7 +4,7 @@
 #include "classifier/MacroTable.h"
 #include "classifier/PropertyKeywords.h"
 #include "classifier/ResourcePath.h"
-#include "classifier/Trim.h"
+#include "base/Trim.h"
 #include "host/Format.h"
 #include "host/LowerCase.h"
 #include "host/NumberRules.h"

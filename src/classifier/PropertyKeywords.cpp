@@ -1,7 +1,7 @@
 #include "classifier/PropertyKeywords.h"
 
 #include "classifier/PropertyWords.h"
-#include "classifier/Trim.h"
+#include "base/Trim.h"
 #include "host/LowerCase.h"
 #include "host/Format.h"
 #include "host/NumberRules.h"

@@ -1,5 +1,6 @@
 #include "classifier/ResourcePath.h"
 
+#include "base/Wildcard.h"
 #include "host/Utf8.h"
 
 #include <algorithm>
@@ -12,26 +13,6 @@ namespace {
 
 std::size_t lastSeparator(std::wstring_view path) { return path.find_last_of(L"/\\"); }
 
-// "*" any run, "?" any one character.
-bool globMatch(std::wstring_view pattern, std::wstring_view name) {
-    std::size_t p = 0, n = 0, star = std::wstring_view::npos, resume = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == name[n])) {
-            ++p;
-            ++n;
-        } else if (p < pattern.size() && pattern[p] == L'*') {
-            star = p++;
-            resume = n;
-        } else if (star != std::wstring_view::npos) {
-            p = star + 1;
-            n = ++resume;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == L'*') ++p;
-    return p == pattern.size();
-}
 
 }  // namespace
 
@@ -58,7 +39,7 @@ std::vector<std::wstring> matchFiles(const std::wstring& pattern) {
     for (; !error && it != fs::directory_iterator(); it.increment(error)) {
         if (it->is_directory(error)) continue;
         std::wstring name = host::fromUtf8(it->path().filename().string());
-        if (globMatch(namePattern, name)) files.push_back(prefix + name);
+        if (wildcardMatch(namePattern, name, LetterCase::kSensitive)) files.push_back(prefix + name);
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -1,6 +1,6 @@
 #include "classifier/SupportFileText.h"
 
-#include "classifier/Trim.h"
+#include "base/Trim.h"
 #include "host/LowerCase.h"
 #include "host/Utf8.h"
 

@@ -1,17 +1,11 @@
-// UTF-8 at every edge, wide strings inside the module.
+// UTF-8 at every edge, wide strings inside the module: the seam's names for base/Utf8.h.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "base/Utf8.h"
 
 namespace veltarn::host {
 
-// Decodes UTF-8. Each byte that does not start a valid sequence (a stray continuation byte, an
-// overlong form, a surrogate, a value past U+10FFFF, a sequence cut short) gives U+FFFD, and
-// decoding goes on with the next byte, so no input is lost silently or stops the decoder.
-std::wstring fromUtf8(std::string_view text);
-
-// Encodes as UTF-8; a surrogate or a value past U+10FFFF becomes U+FFFD.
-std::string toUtf8(std::wstring_view text);
+using veltarn::fromUtf8;
+using veltarn::toUtf8;
 
 }  // namespace veltarn::host

@@ -7,6 +7,7 @@
 #include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
 #include "host/Format.h"
+#include "base/Wildcard.h"
 #include "host/LowerCase.h"
 
 namespace veltarn::cad {
@@ -14,15 +15,6 @@ namespace {
 
 using host::PromptStatus;
 
-// "*" any run of characters, "?" one character; without regard to case.
-bool matches(std::wstring_view pattern, std::wstring_view name) {
-    if (pattern.empty()) return name.empty();
-    if (pattern[0] == L'*') return matches(pattern.substr(1), name) || (!name.empty() && matches(pattern, name.substr(1)));
-    if (name.empty()) return false;
-    if (pattern[0] != L'?' && std::towlower(static_cast<wint_t>(pattern[0])) != std::towlower(static_cast<wint_t>(name[0])))
-        return false;
-    return matches(pattern.substr(1), name.substr(1));
-}
 
 // A comma-separated list, blanks around each name dropped.
 std::vector<std::wstring> splitNames(const std::wstring& list) {
@@ -147,7 +139,7 @@ private:
         for (const std::wstring& pattern : splitNames(list)) {
             for (db::Handle record : db.records("LAYER")) {
                 auto layer = db::readLayer(db, record);
-                if (!layer || !matches(pattern, seam::wide(layer->name))) continue;
+                if (!layer || !wildcardMatch(pattern, seam::wide(layer->name))) continue;
                 ++matched;
                 if (notCurrent && host::equalsIgnoringCase(seam::wide(layer->name), currentLayer())) {
                     editor_.print(L"Cannot " + verb + L" layer \"" + seam::wide(layer->name) + L"\". It is the CURRENT layer.\n");

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/Utf8.h"
+
 namespace veltarn::dxf {
 
 class TextCodec {
@@ -49,7 +51,6 @@ std::size_t validUtf8Length(std::string_view text);
 
 bool isValidUtf8(std::string_view text);
 
-// Appends the UTF-8 form of one code point.
-void appendUtf8(std::string& out, char32_t codePoint);
+using veltarn::appendUtf8;
 
 }  // namespace veltarn::dxf

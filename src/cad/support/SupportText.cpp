@@ -5,13 +5,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/Wildcard.h"
+
 namespace veltarn::support {
-namespace {
-
-char lowerAscii(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-
-}  // namespace
-
 Result<SupportText> SupportText::load(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return dxf::makeError(path.string() + ": cannot open the file");
@@ -84,24 +80,6 @@ std::optional<double> parseNumber(std::string_view text) {
     return value;
 }
 
-bool matchesName(std::string_view pattern, std::string_view name) {
-    std::size_t p = 0, n = 0, star = std::string_view::npos, resume = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == '*') {
-            star = p++;
-            resume = n;
-        } else if (p < pattern.size() && (pattern[p] == '?' || lowerAscii(pattern[p]) == lowerAscii(name[n]))) {
-            ++p;
-            ++n;
-        } else if (star != std::string_view::npos) {
-            p = star + 1;
-            n = ++resume;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == '*') ++p;
-    return p == pattern.size();
-}
+bool matchesName(std::string_view pattern, std::string_view name) { return wildcardMatch(pattern, name); }
 
 }  // namespace veltarn::support

@@ -1,4 +1,4 @@
-// Trimming with the character sets the classifier grammar names per column.
+// Trimming, with the character sets the classifier grammar names per column.
 #pragma once
 
 #include <string_view>
