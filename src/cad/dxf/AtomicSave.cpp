@@ -11,19 +11,21 @@
 namespace veltarn::dxf {
 namespace {
 
-// Buffers small writes; large ones (whole unchanged runs of a drawing) go straight to the file.
+// Buffers small writes; large ones (whole unchanged runs of a drawing, a long text) go straight to
+// the file, after what the buffer holds: bytes must reach the file in the order they were written.
 class FileSink final : public OutputSink {
 public:
-    explicit FileSink(int fd) : fd_(fd) { buffer_.reserve(kBufferSize); }
+    explicit FileSink(int fd) : fd_(fd) { buffer_.reserve(kSaveBufferSize); }
 
     void write(std::string_view bytes) override {
         if (errno_ != 0) return;
-        if (buffer_.size() + bytes.size() > kBufferSize) flush();
-        if (bytes.size() >= kBufferSize / 2) {
+        if (bytes.size() >= kSaveBufferSize / 2) {
+            flush();
             writeAll(bytes);
-        } else {
-            buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
+            return;
         }
+        if (buffer_.size() + bytes.size() > kSaveBufferSize) flush();
+        buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
     }
 
     // Returns errno of the first failure, 0 when all went well.
@@ -34,8 +36,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kBufferSize = 1 << 20;
-
     void flush() {
         writeAll(std::string_view(buffer_.data(), buffer_.size()));
         buffer_.clear();

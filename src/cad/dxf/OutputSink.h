@@ -26,6 +26,9 @@ private:
     std::string text_;
 };
 
+// A save collects small writes in a buffer of this size and hands larger ones to the file at once.
+inline constexpr std::size_t kSaveBufferSize = std::size_t{1} << 20;
+
 // Writes a file safely: the bytes go to a temporary file beside `target`, which is flushed to
 // disk and renamed over `target` only when everything was written. On any failure the old file
 // is left as it was, the temporary one is removed, and the error says why.
