@@ -118,7 +118,11 @@ public:
     // The owner link: the first 330 outside application groups (entities: their block record).
     Handle ownerOf(Handle handle) const;
 
-    Handle allocateHandle() { return nextHandle_++; }
+    // A handle no object has had: the next one above every handle in use. Fails once the drawing
+    // has none left (after kLastHandle).
+    Result<Handle> allocateHandle();
+    // Ok when `count` new handles can still be taken, for a change that needs several.
+    Result<void> handlesLeft(std::uint64_t count) const;
     // Removes an object from what is saved. Erasing an erased object fails with Erased. Does not
     // touch references to it: see `eraseEntity` and `eraseObject` for the cleaning variants.
     OpenStatus erase(Handle handle);
@@ -256,7 +260,7 @@ private:
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;
     bool layerLocked(std::string_view layer) const;
-    void identifySubEntities(TagList& tags, Handle owner);
+    Result<void> identifySubEntities(TagList& tags, Handle owner);
     void notifyAppended(Handle handle);
     void notifyErased(Handle handle, bool erased);
     void notifyModified(Handle handle);
@@ -286,7 +290,7 @@ private:
     std::uint32_t trailer_ = 0;  // first byte after the file's last tag
     std::uint32_t sectionEnd_[8] = {kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot};
     std::uint32_t rootDictionary_ = kNoSlot;
-    Handle nextHandle_ = 1;
+    Handle nextHandle_ = 1;  // above kLastHandle when none is left
     Handle fileSeed_ = 1;    // nextHandle_ right after loading
     Handle headerSeed_ = 0;  // $HANDSEED as the file holds it
     Handle minSeed_ = 1;     // one above the highest handle the file holds

@@ -31,7 +31,7 @@ public:
 
     // After the last tag of a file that read well: closes what is open, then builds what needs
     // the whole index (spaces, block records, handles for objects without one).
-    void finish(dxf::TagFile file) {
+    Result<void> finish(dxf::TagFile file) {
         file_ = &file;  // the scanner's was another object
         close(end_);
         if (place_ == Place::SectionName) structure(sectionStart_, "EOF", Section::None, end_);  // a SECTION as the last tag
@@ -42,20 +42,30 @@ public:
         db_.r12_ = db_.file_->version() <= std::string("AC1009");
         placeSpaces();
         nameBlockRecords();
-        db_.nextHandle_ = std::max<Handle>(seed_, maxHandle_ + 1);
+        // New handles go on from $HANDSEED only when it is above every handle in use and not
+        // exhausted; else (a damaged seed, or FFFFFFFFFFFFFFFF) from the largest handle in use.
+        const Handle aboveAll = std::min(maxHandle_, kLastHandle) + 1;
+        db_.nextHandle_ = seed_ > maxHandle_ && seed_ <= kLastHandle ? seed_ : aboveAll;
         db_.headerSeed_ = seed_;
-        db_.minSeed_ = maxHandle_ + 1;
-        // Objects without a handle (R12 files written without handles, a space that has no BLOCK)
-        // get one in memory only.
+        db_.minSeed_ = aboveAll;
+        // Objects without a handle (R12 files written without handles, ENDTAB, a space that has no
+        // BLOCK) get one in memory only; once no new handle is left, a free one from the top.
+        Handle fromTop = kLastHandle + 1;
         for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
             auto& slot = db_.slots_[s];
-            if (slot.handle == kNoHandle && !(slot.flags & Database::kStructure)) {
-                slot.handle = db_.nextHandle_++;
-                db_.handles_.set(slot.handle, s);
+            if (slot.handle != kNoHandle || (slot.flags & Database::kStructure)) continue;
+            if (auto allocated = db_.allocateHandle()) {
+                slot.handle = *allocated;
+            } else {
+                while (fromTop != kNoHandle && db_.handles_.get(fromTop) != HandleIndex::kNone) --fromTop;
+                if (fromTop == kNoHandle) return dxf::makeError(db_.name() + ": every handle there is is in use");
+                slot.handle = fromTop;
             }
+            db_.handles_.set(slot.handle, s);
         }
         db_.fileSeed_ = db_.nextHandle_;
         for (std::size_t b = 0; b < db_.blocks_.size(); ++b) db_.blockIds_[db_.blockId(static_cast<int>(b))] = static_cast<int>(b);
+        return {};
     }
 
 private:
@@ -414,16 +424,14 @@ Result<void> loadDrawing(Database& db, const std::filesystem::path& path) {
     DatabaseLoader loader(db);
     auto file = dxf::TagFile::load(path, loader);
     if (!file) return file.error();
-    loader.finish(std::move(file).value());
-    return {};
+    return loader.finish(std::move(file).value());
 }
 
 Result<void> parseDrawing(Database& db, std::string bytes, std::string name) {
     DatabaseLoader loader(db);
     auto file = dxf::TagFile::parse(std::move(bytes), std::move(name), loader);
     if (!file) return file.error();
-    loader.finish(std::move(file).value());
-    return {};
+    return loader.finish(std::move(file).value());
 }
 
 }  // namespace veltarn::db
