@@ -117,6 +117,14 @@ std::string Database::saveNotice() const {
     return name() + ": saved as a 2018 drawing (AC1032): R12 cannot hold dictionaries, xrecords or draw order";
 }
 
+std::vector<std::string> Database::loadNotices() const {
+    std::vector<std::string> notices;
+    for (const DuplicateHandle& found : duplicateHandles_)
+        notices.push_back(found.where + ": handle " + formatHandle(found.handle) + " is used twice; the second object (" + found.type +
+                          ") gets handle " + formatHandle(found.renumbered));
+    return notices;
+}
+
 // --- Slots ------------------------------------------------------------------------------------
 
 std::uint32_t Database::slotOf(Handle handle) const { return handle == kNoHandle ? kNoSlot : handles_.get(handle); }

@@ -38,6 +38,15 @@ enum class Section : std::uint8_t { None, Header, Classes, Tables, Blocks, Entit
 
 class Database;
 
+// An object whose handle, in the file read, an earlier object had: it got a new handle when the
+// drawing was read (what pointed at the handle points at the earlier object still).
+struct DuplicateHandle {
+    Handle handle = kNoHandle;      // as the file gave it
+    Handle renumbered = kNoHandle;  // what the object has now
+    std::string type;               // LINE, VERTEX, LAYER...
+    std::string where;              // "plan.dxf:1043" (binary files: "plan.dxf:@8812"), the handle's tag
+};
+
 // An object opened for writing: its tags, written back when closed (or destroyed). An object
 // whose tags did not change stays as the file holds it.
 class ObjectWriter {
@@ -97,6 +106,10 @@ public:
     std::string saveNotice() const;
     // Handles above every handle in the drawing start here ($HANDSEED as it will be saved).
     Handle handleSeed() const { return nextHandle_; }
+    // What reading the file repaired, for AUDIT: objects that shared a handle, in file order.
+    const std::vector<DuplicateHandle>& duplicateHandles() const { return duplicateHandles_; }
+    // The same as lines for the user ("plan.dxf:1043: handle 2A is used twice; ..."), one a finding.
+    std::vector<std::string> loadNotices() const;
 
     // --- Objects --------------------------------------------------------------------------
     OpenStatus status(Handle handle) const;
@@ -295,6 +308,7 @@ private:
     Handle headerSeed_ = 0;  // $HANDSEED as the file holds it
     Handle minSeed_ = 1;     // one above the highest handle the file holds
     std::unordered_map<Handle, int> blockIds_;
+    std::vector<DuplicateHandle> duplicateHandles_;
     bool r12_ = false;
     bool convertedFromR12_ = false;
     UndoJournal journal_;

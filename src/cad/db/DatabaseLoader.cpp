@@ -48,19 +48,15 @@ public:
         db_.nextHandle_ = seed_ > maxHandle_ && seed_ <= kLastHandle ? seed_ : aboveAll;
         db_.headerSeed_ = seed_;
         db_.minSeed_ = aboveAll;
+        if (auto renumbered = renumberDuplicates(); !renumbered) return renumbered;
         // Objects without a handle (R12 files written without handles, ENDTAB, a space that has no
-        // BLOCK) get one in memory only; once no new handle is left, a free one from the top.
-        Handle fromTop = kLastHandle + 1;
+        // BLOCK) get one in memory only.
         for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
             auto& slot = db_.slots_[s];
             if (slot.handle != kNoHandle || (slot.flags & Database::kStructure)) continue;
-            if (auto allocated = db_.allocateHandle()) {
-                slot.handle = *allocated;
-            } else {
-                while (fromTop != kNoHandle && db_.handles_.get(fromTop) != HandleIndex::kNone) --fromTop;
-                if (fromTop == kNoHandle) return dxf::makeError(db_.name() + ": every handle there is is in use");
-                slot.handle = fromTop;
-            }
+            auto handle = freeHandle();
+            if (!handle) return handle.error();
+            slot.handle = *handle;
             db_.handles_.set(slot.handle, s);
         }
         db_.fileSeed_ = db_.nextHandle_;
@@ -69,6 +65,60 @@ public:
     }
 
 private:
+    // A handle the file gave an object that an earlier object has.
+    struct Duplicate {
+        std::uint32_t slot;
+        std::uint32_t part;   // 0: the object; n: its n-th VERTEX, ATTRIB or SEQEND
+        std::uint32_t start;  // first byte of the handle's tag
+        Handle handle;
+        std::string type;
+    };
+
+    // A handle for an object read without a usable one: a new one, or once none is left a free
+    // one from the top (the object must be told apart; nothing new can take those).
+    Result<Handle> freeHandle() {
+        if (auto allocated = db_.allocateHandle()) return allocated;
+        while (fromTop_ != kNoHandle && db_.handles_.get(fromTop_) != HandleIndex::kNone) --fromTop_;
+        if (fromTop_ == kNoHandle) return dxf::makeError(db_.name() + ": every handle there is is in use");
+        return fromTop_;
+    }
+
+    // Objects whose handle an earlier object has get a new one (the earlier object keeps it, and
+    // what points at the handle points at it): their tags, with the new handle, become owned so
+    // that the drawing is saved without the duplicate. Each is kept as a finding for the user.
+    Result<void> renumberDuplicates() {
+        const std::string_view bytes = db_.file_->bytes();
+        const bool ascii = db_.file_->form() == dxf::FileForm::Ascii;
+        std::size_t line = 1, counted = 0;  // lines before byte `counted`
+        for (const Duplicate& found : duplicates_) {
+            auto fresh = freeHandle();
+            if (!fresh) return fresh.error();
+            Database::Slot& slot = db_.slots_[found.slot];
+            TagList tags;
+            db_.decodeSlot(slot, tags);
+            std::size_t at = 0;  // the part's code-0 tag; its handle is among the three tags after it
+            for (std::uint32_t p = 0; p < found.part && at != TagList::npos; ++p) at = tags.find(gc::kStructure, at + 1);
+            for (std::size_t i = at + 1; at != TagList::npos && i < std::min(at + 4, tags.size()); ++i)
+                if ((tags[i].code == gc::kHandle || tags[i].code == gc::kDimStyleHandle) && parseHandle(tags[i].value) == found.handle) {
+                    tags[i].value = formatHandle(*fresh);
+                    break;
+                }
+            db_.storeOwned(found.slot, tags);
+            if (found.part == 0) slot.handle = *fresh;
+            db_.handles_.set(*fresh, found.slot);
+
+            std::string where = db_.name() + ":";
+            if (ascii) {
+                for (; counted < found.start; ++counted) line += bytes[counted] == '\n';
+                where += std::to_string(line);
+            } else {
+                where += "@" + std::to_string(found.start);
+            }
+            db_.duplicateHandles_.push_back({found.handle, *fresh, found.type, std::move(where)});
+        }
+        return {};
+    }
+
     // Most drawings take 100 to 300 bytes an object: room for one every 128 bytes is enough for them.
     static constexpr std::size_t kBytesPerSlotGuess = 128;
 
@@ -136,12 +186,14 @@ private:
         slot.container = container;
         open_ = push(slot);
         handleSearch_ = 3;
+        part_ = 0;
         return open_;
     }
 
-    void note(Handle handle, std::uint32_t slot) {
-        // A duplicate handle keeps its first object; the later one is still kept and written.
+    void note(Handle handle, std::uint32_t slot, const dxf::ScannedTag& tag) {
+        // A duplicate handle keeps its first object; the later one gets a new handle in finish().
         if (db_.handles_.get(handle) == HandleIndex::kNone) db_.handles_.set(handle, slot);
+        else duplicates_.push_back({slot, part_, tag.start, handle, subEntity_ ? partType_ : db_.types_[db_.slots_[slot].type]});
         if (handle > maxHandle_) maxHandle_ = handle;
     }
 
@@ -233,6 +285,8 @@ private:
         if (chain_ && (type == "VERTEX" || type == "ATTRIB" || type == "SEQEND")) {
             handleSearch_ = 3;
             subEntity_ = true;
+            ++part_;
+            partType_ = type;
             paperSearch_ = false;
             if (type == "SEQEND") chain_ = false;
             return;
@@ -313,7 +367,7 @@ private:
                 handleSearch_ = 0;
                 Handle handle = parseHandle(raw(tag)).value_or(kNoHandle);
                 if (!subEntity_) db_.slots_[open_].handle = handle;
-                if (handle != kNoHandle) note(handle, open_);
+                if (handle != kNoHandle) note(handle, open_, tag);
             }
         }
         if (paperSearch_) {
@@ -415,6 +469,10 @@ private:
     int markers_ = 0;                 // subclass markers seen by the paper-space search
     Search search_ = Search::None;
     bool afterHandseed_ = false;      // the last header tag was "9 $HANDSEED"
+    std::uint32_t part_ = 0;          // the open object's VERTEX/ATTRIB/SEQEND being read, 0 for itself
+    std::string partType_;            // its type
+    std::vector<Duplicate> duplicates_;
+    Handle fromTop_ = kLastHandle + 1;  // handles from here up were looked at by freeHandle()
     Handle maxHandle_ = 0;
     Handle seed_ = 0;
     std::array<std::uint16_t, 64> knownTypes_{};  // type index + 1 by a hash of the type, 0 when none
