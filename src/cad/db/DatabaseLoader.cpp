@@ -79,7 +79,7 @@ private:
     Result<Handle> freeHandle() {
         if (auto allocated = db_.allocateHandle()) return allocated;
         while (fromTop_ != kNoHandle && db_.handles_.get(fromTop_) != HandleIndex::kNone) --fromTop_;
-        if (fromTop_ == kNoHandle) return dxf::makeError(db_.name() + ": every handle there is is in use");
+        if (fromTop_ == kNoHandle) return dxf::makeError(db_.name() + ": every handle is in use");
         return fromTop_;
     }
 
