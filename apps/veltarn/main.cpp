@@ -87,6 +87,8 @@ int main(int argc, char** argv) {
         auto read = seam::WorkbenchDatabase::read(*options.drawing);
         if (!read) return fail(app::kExitFileError, read.message());
         drawing = std::move(read.value());
+        // What reading repaired (handles used twice): the drawing opens, but the user is told.
+        for (const std::string& notice : drawing->raw().loadNotices()) std::cerr << "veltarn: " << notice << "\n";
     } else {
         drawing = std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew());
     }

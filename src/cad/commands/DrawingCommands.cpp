@@ -83,6 +83,7 @@ void registerDrawingCommands(HostSession& session) {
             return;
         }
         if (!mayClose(session)) return;
+        for (const std::string& notice : read.value()->raw().loadNotices()) session.host.editor().print(seam::wide(notice) + L"\n");
         session.host.openDocument(std::move(read.value()));
     });
     commands.addCommand(group, L"SAVE", L"SAVE", host::CommandFlags::kModal, [&session] { (void)save(session); });

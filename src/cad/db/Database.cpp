@@ -117,6 +117,14 @@ std::string Database::saveNotice() const {
     return name() + ": saved as a 2018 drawing (AC1032): R12 cannot hold dictionaries, xrecords or draw order";
 }
 
+std::vector<std::string> Database::loadNotices() const {
+    std::vector<std::string> notices;
+    for (const DuplicateHandle& found : duplicateHandles_)
+        notices.push_back(found.where + ": handle " + formatHandle(found.handle) + " is used twice; the second object (" + found.type +
+                          ") gets handle " + formatHandle(found.renumbered));
+    return notices;
+}
+
 // --- Slots ------------------------------------------------------------------------------------
 
 std::uint32_t Database::slotOf(Handle handle) const { return handle == kNoHandle ? kNoSlot : handles_.get(handle); }
@@ -180,9 +188,20 @@ void Database::registerSubHandles(std::uint32_t slot, const TagList& tags) {
         if (tags[i].code != gc::kStructure || tags[i + 1].code != gc::kHandle) continue;
         if (auto sub = parseHandle(tags[i + 1].value)) {
             if (handles_.get(*sub) == HandleIndex::kNone) handles_.set(*sub, slot);
-            if (*sub >= nextHandle_) nextHandle_ = *sub + 1;
+            if (*sub >= nextHandle_) nextHandle_ = std::min(*sub, kLastHandle) + 1;  // past the last: none left
         }
     }
+}
+
+Result<Handle> Database::allocateHandle() {
+    if (auto left = handlesLeft(1); !left) return left.error();
+    return nextHandle_++;
+}
+
+Result<void> Database::handlesLeft(std::uint64_t count) const {
+    if (count > 0 && (nextHandle_ > kLastHandle || kLastHandle - nextHandle_ < count - 1))
+        return dxf::makeError(name() + ": the drawing has no handle left for a new object");
+    return {};
 }
 
 std::uint32_t Database::create(Slot slot, std::uint32_t anchor, TagList& tags) {
@@ -413,7 +432,7 @@ Handle Database::blockOf(Handle entity) const {
 // The VERTEX, ATTRIB and SEQEND entities that travel with a POLYLINE or INSERT: each gets a handle
 // of its own (a fresh one when it has none or its handle is taken, as in copied or exploded
 // entities) and, in 2000+ drawings, the entity as its owner.
-void Database::identifySubEntities(TagList& tags, Handle owner) {
+Result<void> Database::identifySubEntities(TagList& tags, Handle owner) {
     for (std::size_t i = 1; i < tags.size(); ++i) {
         if (tags[i].code != gc::kStructure) continue;
         std::size_t end = tags.find(gc::kStructure, i + 1);
@@ -421,7 +440,9 @@ void Database::identifySubEntities(TagList& tags, Handle owner) {
         std::size_t at = tags.find(gc::kHandle, i + 1, end);
         auto handle = at == TagList::npos ? std::nullopt : parseHandle(tags[at].value);
         if (!handle || *handle == kNoHandle || *handle >= nextHandle_ || handles_.get(*handle) != HandleIndex::kNone) {
-            std::string fresh = formatHandle(allocateHandle());
+            auto allocated = allocateHandle();
+            if (!allocated) return allocated.error();
+            std::string fresh = formatHandle(*allocated);
             if (at == TagList::npos) {
                 tags.insert(i + 1, gc::kHandle, std::move(fresh));
                 at = i + 1;
@@ -436,6 +457,7 @@ void Database::identifySubEntities(TagList& tags, Handle owner) {
         if (ownerAt != TagList::npos && (marker == TagList::npos || ownerAt < marker)) tags[ownerAt].value = formatHandle(owner);
         else tags.insert(at + 1, gc::kSoftPointer, formatHandle(owner));
     }
+    return {};
 }
 
 static bool usable(const HandleIndex& index, Handle handle, Handle next) {
@@ -449,9 +471,12 @@ Result<Handle> Database::appendEntity(Handle block, TagList tags, Handle preset)
     if (entry.anchor == kNoSlot) return dxf::makeError(name() + ": cannot add an entity: the drawing has no ENTITIES section");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an entity must start with its type (group code 0)");
     if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
-    Handle handle = preset != kNoHandle ? preset : allocateHandle();
+    auto allocated = preset != kNoHandle ? Result<Handle>(preset) : allocateHandle();
+    if (!allocated) return allocated.error();
+    Handle handle = *allocated;
     setIdentity(tags, handle, gc::kHandle, block, !r12_);
-    if (std::string_view type = tags.type(); type == "POLYLINE" || type == "INSERT") identifySubEntities(tags, handle);
+    if (std::string_view type = tags.type(); type == "POLYLINE" || type == "INSERT")
+        if (auto identified = identifySubEntities(tags, handle); !identified) return identified.error();
     if (entry.paper && entry.inEntitiesSection) tags.setIn("AcDbEntity", gc::kPaperSpace, "1");
     Slot slot;
     slot.handle = handle;
@@ -478,7 +503,8 @@ Result<Handle> Database::appendEntityWithData(Handle block, const TagList& entit
         if (entity[i].code == gc::kStructure || entity[i].code == gc::kHandle || entity[i].code == gc::kControlString)
             return dxf::makeError("the bulk path takes a plain entity without handle, groups or sub-entities");
     if (entry.paper && entry.inEntitiesSection) return dxf::makeError("the bulk path does not add to paper space");
-    Handle handle = allocateHandle(), dictionary = allocateHandle(), record = allocateHandle();
+    if (auto left = handlesLeft(3); !left) return left.error();
+    const Handle handle = nextHandle_++, dictionary = nextHandle_++, record = nextHandle_++;
     char ids[3][20], owner[20];
     auto hex = [](char* out, Handle h) {
         std::size_t n = formatHandle(h).copy(out, 19);
@@ -537,6 +563,7 @@ Result<Handle> Database::addBlock(std::string_view blockName, const Point3& base
     if (findBlock(blockName) != kNoHandle) return dxf::makeError("a block named \"" + std::string(blockName) + "\" exists already");
     std::uint32_t anchor = sectionEnd_[static_cast<int>(Section::Blocks)];
     if (anchor == kNoSlot) return dxf::makeError(name() + ": cannot add a block: the drawing has no BLOCKS section");
+    if (auto left = handlesLeft(r12_ ? 2 : 3); !left) return left.error();  // BLOCK, ENDBLK and the record
     Handle record = kNoHandle;
     if (!r12_) {
         TagList rec{{0, "BLOCK_RECORD"}, {100, "AcDbSymbolTableRecord"}, {100, "AcDbBlockTableRecord"}, {2, std::string(blockName)},
@@ -559,7 +586,7 @@ Result<Handle> Database::addBlock(std::string_view blockName, const Point3& base
     begin.add(3, std::string(blockName));
     begin.add(1, "");
     Slot slot;
-    slot.handle = allocateHandle();
+    slot.handle = nextHandle_++;
     slot.section = Section::Blocks;
     slot.container = index;
     setIdentity(begin, slot.handle, gc::kHandle, record, !r12_);
@@ -568,7 +595,7 @@ Result<Handle> Database::addBlock(std::string_view blockName, const Point3& base
     if (!r12_) end.add(100, "AcDbEntity");
     end.add(8, "0");
     if (!r12_) end.add(100, "AcDbBlockEnd");
-    slot.handle = allocateHandle();
+    slot.handle = nextHandle_++;
     setIdentity(end, slot.handle, gc::kHandle, record, !r12_);
     entry.end = entry.anchor = create(slot, anchor, end);
     blocks_.push_back(std::move(entry));
@@ -618,9 +645,11 @@ Result<Handle> Database::addRecord(std::string_view table, TagList tags, Handle 
     if (recordName && findRecord(table, *recordName) != kNoHandle)
         return dxf::makeError("the " + std::string(table) + " table has a record named \"" + std::string(*recordName) + "\" already");
     if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
+    auto allocated = preset != kNoHandle ? Result<Handle>(preset) : allocateHandle();
+    if (!allocated) return allocated.error();
     TableEntry& entry = tables_[static_cast<std::size_t>(t)];
     Slot slot;
-    slot.handle = preset != kNoHandle ? preset : allocateHandle();
+    slot.handle = *allocated;
     slot.section = Section::Tables;
     slot.container = static_cast<std::uint32_t>(t);
     int handleCode = sameName(table, "DIMSTYLE") ? gc::kDimStyleHandle : gc::kHandle;
@@ -640,8 +669,10 @@ Result<Handle> Database::addObject(TagList tags, Handle preset) {
         return dxf::makeError(name() + ": cannot add an object: the drawing has no OBJECTS section");
     if (tags.empty() || tags[0].code != gc::kStructure) return dxf::makeError("an object must start with its type (group code 0)");
     if (preset != kNoHandle && !usable(handles_, preset, nextHandle_)) return dxf::makeError("handle " + formatHandle(preset) + " is in use or was not allocated");
+    auto allocated = preset != kNoHandle ? Result<Handle>(preset) : allocateHandle();
+    if (!allocated) return allocated.error();
     Slot slot;
-    slot.handle = preset != kNoHandle ? preset : allocateHandle();
+    slot.handle = *allocated;
     slot.section = Section::Objects;
     if (tags.size() > 1 && tags[1].code == gc::kHandle) tags[1].value = formatHandle(slot.handle);
     else tags.insert(1, gc::kHandle, formatHandle(slot.handle));

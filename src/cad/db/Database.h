@@ -38,6 +38,15 @@ enum class Section : std::uint8_t { None, Header, Classes, Tables, Blocks, Entit
 
 class Database;
 
+// An object whose handle, in the file read, an earlier object had: it got a new handle when the
+// drawing was read (what pointed at the handle points at the earlier object still).
+struct DuplicateHandle {
+    Handle handle = kNoHandle;      // as the file gave it
+    Handle renumbered = kNoHandle;  // what the object has now
+    std::string type;               // LINE, VERTEX, LAYER...
+    std::string where;              // "plan.dxf:1043" (binary files: "plan.dxf:@8812"), the handle's tag
+};
+
 // An object opened for writing: its tags, written back when closed (or destroyed). An object
 // whose tags did not change stays as the file holds it.
 class ObjectWriter {
@@ -97,6 +106,10 @@ public:
     std::string saveNotice() const;
     // Handles above every handle in the drawing start here ($HANDSEED as it will be saved).
     Handle handleSeed() const { return nextHandle_; }
+    // What reading the file repaired, for AUDIT: objects that shared a handle, in file order.
+    const std::vector<DuplicateHandle>& duplicateHandles() const { return duplicateHandles_; }
+    // The same as lines for the user ("plan.dxf:1043: handle 2A is used twice; ..."), one a finding.
+    std::vector<std::string> loadNotices() const;
 
     // --- Objects --------------------------------------------------------------------------
     OpenStatus status(Handle handle) const;
@@ -118,7 +131,11 @@ public:
     // The owner link: the first 330 outside application groups (entities: their block record).
     Handle ownerOf(Handle handle) const;
 
-    Handle allocateHandle() { return nextHandle_++; }
+    // A handle no object has had: the next one above every handle in use. Fails once the drawing
+    // has none left (after kLastHandle).
+    Result<Handle> allocateHandle();
+    // Ok when `count` new handles can still be taken, for a change that needs several.
+    Result<void> handlesLeft(std::uint64_t count) const;
     // Removes an object from what is saved. Erasing an erased object fails with Erased. Does not
     // touch references to it: see `eraseEntity` and `eraseObject` for the cleaning variants.
     OpenStatus erase(Handle handle);
@@ -256,7 +273,7 @@ private:
     int tableIndexOf(std::string_view table) const;
     bool onLockedLayer(const TagList& tags) const;
     bool layerLocked(std::string_view layer) const;
-    void identifySubEntities(TagList& tags, Handle owner);
+    Result<void> identifySubEntities(TagList& tags, Handle owner);
     void notifyAppended(Handle handle);
     void notifyErased(Handle handle, bool erased);
     void notifyModified(Handle handle);
@@ -286,11 +303,12 @@ private:
     std::uint32_t trailer_ = 0;  // first byte after the file's last tag
     std::uint32_t sectionEnd_[8] = {kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot, kNoSlot};
     std::uint32_t rootDictionary_ = kNoSlot;
-    Handle nextHandle_ = 1;
+    Handle nextHandle_ = 1;  // above kLastHandle when none is left
     Handle fileSeed_ = 1;    // nextHandle_ right after loading
     Handle headerSeed_ = 0;  // $HANDSEED as the file holds it
     Handle minSeed_ = 1;     // one above the highest handle the file holds
     std::unordered_map<Handle, int> blockIds_;
+    std::vector<DuplicateHandle> duplicateHandles_;
     bool r12_ = false;
     bool convertedFromR12_ = false;
     UndoJournal journal_;

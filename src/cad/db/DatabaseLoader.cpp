@@ -31,7 +31,7 @@ public:
 
     // After the last tag of a file that read well: closes what is open, then builds what needs
     // the whole index (spaces, block records, handles for objects without one).
-    void finish(dxf::TagFile file) {
+    Result<void> finish(dxf::TagFile file) {
         file_ = &file;  // the scanner's was another object
         close(end_);
         if (place_ == Place::SectionName) structure(sectionStart_, "EOF", Section::None, end_);  // a SECTION as the last tag
@@ -42,23 +42,83 @@ public:
         db_.r12_ = db_.file_->version() <= std::string("AC1009");
         placeSpaces();
         nameBlockRecords();
-        db_.nextHandle_ = std::max<Handle>(seed_, maxHandle_ + 1);
+        // New handles go on from $HANDSEED only when it is above every handle in use and not
+        // exhausted; else (a damaged seed, or FFFFFFFFFFFFFFFF) from the largest handle in use.
+        const Handle aboveAll = std::min(maxHandle_, kLastHandle) + 1;
+        db_.nextHandle_ = seed_ > maxHandle_ && seed_ <= kLastHandle ? seed_ : aboveAll;
         db_.headerSeed_ = seed_;
-        db_.minSeed_ = maxHandle_ + 1;
-        // Objects without a handle (R12 files written without handles, a space that has no BLOCK)
-        // get one in memory only.
+        db_.minSeed_ = aboveAll;
+        if (auto renumbered = renumberDuplicates(); !renumbered) return renumbered;
+        // Objects without a handle (R12 files written without handles, ENDTAB, a space that has no
+        // BLOCK) get one in memory only.
         for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
             auto& slot = db_.slots_[s];
-            if (slot.handle == kNoHandle && !(slot.flags & Database::kStructure)) {
-                slot.handle = db_.nextHandle_++;
-                db_.handles_.set(slot.handle, s);
-            }
+            if (slot.handle != kNoHandle || (slot.flags & Database::kStructure)) continue;
+            auto handle = freeHandle();
+            if (!handle) return handle.error();
+            slot.handle = *handle;
+            db_.handles_.set(slot.handle, s);
         }
         db_.fileSeed_ = db_.nextHandle_;
         for (std::size_t b = 0; b < db_.blocks_.size(); ++b) db_.blockIds_[db_.blockId(static_cast<int>(b))] = static_cast<int>(b);
+        return {};
     }
 
 private:
+    // A handle the file gave an object that an earlier object has.
+    struct Duplicate {
+        std::uint32_t slot;
+        std::uint32_t part;   // 0: the object; n: its n-th VERTEX, ATTRIB or SEQEND
+        std::uint32_t start;  // first byte of the handle's tag
+        Handle handle;
+        std::string type;
+    };
+
+    // A handle for an object read without a usable one: a new one, or once none is left a free
+    // one from the top (the object must be told apart; nothing new can take those).
+    Result<Handle> freeHandle() {
+        if (auto allocated = db_.allocateHandle()) return allocated;
+        while (fromTop_ != kNoHandle && db_.handles_.get(fromTop_) != HandleIndex::kNone) --fromTop_;
+        if (fromTop_ == kNoHandle) return dxf::makeError(db_.name() + ": every handle is in use");
+        return fromTop_;
+    }
+
+    // Objects whose handle an earlier object has get a new one (the earlier object keeps it, and
+    // what points at the handle points at it): their tags, with the new handle, become owned so
+    // that the drawing is saved without the duplicate. Each is kept as a finding for the user.
+    Result<void> renumberDuplicates() {
+        const std::string_view bytes = db_.file_->bytes();
+        const bool ascii = db_.file_->form() == dxf::FileForm::Ascii;
+        std::size_t line = 1, counted = 0;  // lines before byte `counted`
+        for (const Duplicate& found : duplicates_) {
+            auto fresh = freeHandle();
+            if (!fresh) return fresh.error();
+            Database::Slot& slot = db_.slots_[found.slot];
+            TagList tags;
+            db_.decodeSlot(slot, tags);
+            std::size_t at = 0;  // the part's code-0 tag; its handle is among the three tags after it
+            for (std::uint32_t p = 0; p < found.part && at != TagList::npos; ++p) at = tags.find(gc::kStructure, at + 1);
+            for (std::size_t i = at + 1; at != TagList::npos && i < std::min(at + 4, tags.size()); ++i)
+                if ((tags[i].code == gc::kHandle || tags[i].code == gc::kDimStyleHandle) && parseHandle(tags[i].value) == found.handle) {
+                    tags[i].value = formatHandle(*fresh);
+                    break;
+                }
+            db_.storeOwned(found.slot, tags);
+            if (found.part == 0) slot.handle = *fresh;
+            db_.handles_.set(*fresh, found.slot);
+
+            std::string where = db_.name() + ":";
+            if (ascii) {
+                for (; counted < found.start; ++counted) line += bytes[counted] == '\n';
+                where += std::to_string(line);
+            } else {
+                where += "@" + std::to_string(found.start);
+            }
+            db_.duplicateHandles_.push_back({found.handle, *fresh, found.type, std::move(where)});
+        }
+        return {};
+    }
+
     // Most drawings take 100 to 300 bytes an object: room for one every 128 bytes is enough for them.
     static constexpr std::size_t kBytesPerSlotGuess = 128;
 
@@ -126,12 +186,14 @@ private:
         slot.container = container;
         open_ = push(slot);
         handleSearch_ = 3;
+        part_ = 0;
         return open_;
     }
 
-    void note(Handle handle, std::uint32_t slot) {
-        // A duplicate handle keeps its first object; the later one is still kept and written.
+    void note(Handle handle, std::uint32_t slot, const dxf::ScannedTag& tag) {
+        // A duplicate handle keeps its first object; the later one gets a new handle in finish().
         if (db_.handles_.get(handle) == HandleIndex::kNone) db_.handles_.set(handle, slot);
+        else duplicates_.push_back({slot, part_, tag.start, handle, subEntity_ ? partType_ : db_.types_[db_.slots_[slot].type]});
         if (handle > maxHandle_) maxHandle_ = handle;
     }
 
@@ -223,6 +285,8 @@ private:
         if (chain_ && (type == "VERTEX" || type == "ATTRIB" || type == "SEQEND")) {
             handleSearch_ = 3;
             subEntity_ = true;
+            ++part_;
+            partType_ = type;
             paperSearch_ = false;
             if (type == "SEQEND") chain_ = false;
             return;
@@ -303,7 +367,7 @@ private:
                 handleSearch_ = 0;
                 Handle handle = parseHandle(raw(tag)).value_or(kNoHandle);
                 if (!subEntity_) db_.slots_[open_].handle = handle;
-                if (handle != kNoHandle) note(handle, open_);
+                if (handle != kNoHandle) note(handle, open_, tag);
             }
         }
         if (paperSearch_) {
@@ -405,6 +469,10 @@ private:
     int markers_ = 0;                 // subclass markers seen by the paper-space search
     Search search_ = Search::None;
     bool afterHandseed_ = false;      // the last header tag was "9 $HANDSEED"
+    std::uint32_t part_ = 0;          // the open object's VERTEX/ATTRIB/SEQEND being read, 0 for itself
+    std::string partType_;            // its type
+    std::vector<Duplicate> duplicates_;
+    Handle fromTop_ = kLastHandle + 1;  // handles from here up were looked at by freeHandle()
     Handle maxHandle_ = 0;
     Handle seed_ = 0;
     std::array<std::uint16_t, 64> knownTypes_{};  // type index + 1 by a hash of the type, 0 when none
@@ -414,16 +482,14 @@ Result<void> loadDrawing(Database& db, const std::filesystem::path& path) {
     DatabaseLoader loader(db);
     auto file = dxf::TagFile::load(path, loader);
     if (!file) return file.error();
-    loader.finish(std::move(file).value());
-    return {};
+    return loader.finish(std::move(file).value());
 }
 
 Result<void> parseDrawing(Database& db, std::string bytes, std::string name) {
     DatabaseLoader loader(db);
     auto file = dxf::TagFile::parse(std::move(bytes), std::move(name), loader);
     if (!file) return file.error();
-    loader.finish(std::move(file).value());
-    return {};
+    return loader.finish(std::move(file).value());
 }
 
 }  // namespace veltarn::db

@@ -17,8 +17,12 @@ public:
         : db_(db), file_(*db.file_), writer_(sink, dxf::WriteFormat::of(*db.file_)) {}
 
     Result<void> run() {
-        Handle seed = db_.nextHandle_ > db_.fileSeed_ ? db_.nextHandle_ : db_.minSeed_;
-        rewriteSeed_ = db_.seedBegin_ != Database::kNoSlot && seed > db_.headerSeed_;
+        const bool handedOut = db_.nextHandle_ > db_.fileSeed_;
+        Handle seed = handedOut ? db_.nextHandle_ : db_.minSeed_;
+        // An exhausted seed (FFFFFFFFFFFFFFFF) comes down to where new handles went on, so that
+        // the next program to add objects goes on from there too.
+        const bool exhausted = db_.headerSeed_ > kLastHandle && handedOut && seed < db_.headerSeed_;
+        rewriteSeed_ = db_.seedBegin_ != Database::kNoSlot && (seed > db_.headerSeed_ || exhausted);
         seed_ = seed;
         writer_.begin();
         for (std::uint32_t s = 0; s < db_.fileSlots_; ++s) emit(s);

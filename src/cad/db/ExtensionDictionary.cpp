@@ -104,7 +104,8 @@ Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entit
     }
     TagList xrecord{{0, "XRECORD"}, {gc::kHandle, ""}, {gc::kSoftPointer, ""}, {gc::kSubclass, "AcDbXrecord"}, {gc::kHardOwnerFlag, "1"}};
     if (auto made = appendValues(xrecord, values); !made) return made.error();
-    Handle handle = db.allocateHandle(), dictionary = db.allocateHandle(), record = db.allocateHandle();
+    if (auto left = db.handlesLeft(3); !left) return left.error();
+    const Handle handle = db.allocateHandle().value(), dictionary = db.allocateHandle().value(), record = db.allocateHandle().value();
     std::size_t at = entity.size() > 1 && entity[1].code == gc::kHandle ? 2 : 1;
     entity.insert(at, gc::kControlString, kXdictionaryGroup);
     entity.insert(at + 1, gc::kHardOwner, formatHandle(dictionary));

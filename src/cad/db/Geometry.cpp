@@ -131,11 +131,12 @@ bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>&
     // The SEQEND is kept (with its handle); a missing one is made.
     TagList seqend;
     std::size_t seq = tags.find(gc::kStructure, "SEQEND", ownEnd);
+    if (!db.handlesLeft(vertices.size() + (seq == TagList::npos ? 1 : 0)).ok()) return false;
     if (seq != TagList::npos) {
         std::size_t seqEnd = tags.find(gc::kStructure, seq + 1);
         for (std::size_t i = seq; i < (seqEnd == TagList::npos ? tags.size() : seqEnd); ++i) seqend.add(tags[i].code, tags[i].value);
     } else {
-        seqend = {{0, "SEQEND"}, {5, formatHandle(db.allocateHandle())}};
+        seqend = {{0, "SEQEND"}, {5, formatHandle(db.allocateHandle().value())}};
         if (modern) {
             seqend.add(gc::kSoftPointer, owner);
             seqend.add(gc::kSubclass, "AcDbEntity");
@@ -145,7 +146,7 @@ bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>&
     tags.erase(ownEnd, tags.size() - ownEnd);
     for (const Vertex& v : vertices) {
         tags.add(0, "VERTEX");
-        tags.add(gc::kHandle, formatHandle(db.allocateHandle()));
+        tags.add(gc::kHandle, formatHandle(db.allocateHandle().value()));
         if (modern) {
             tags.add(gc::kSoftPointer, owner);
             tags.add(gc::kSubclass, "AcDbEntity");

@@ -29,7 +29,8 @@ struct Vertex {
 
 // LWPOLYLINE (points with elevation as Z) and POLYLINE (its VERTEX entities).
 std::vector<Vertex> polylineVertices(const TagList& tags);
-// Replaces the vertices. POLYLINE vertices get new VERTEX entities with handles from `db`.
+// Replaces the vertices. POLYLINE vertices get new VERTEX entities with handles from `db`; false,
+// with the tags unchanged, when the drawing has not enough handles left for them.
 bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>& vertices);
 
 // All points of one code in a subclass, in order: SPLINE control points (10) and fit points (11),

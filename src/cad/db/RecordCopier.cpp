@@ -82,8 +82,9 @@ private:
     Result<Handle> record(Handle source, std::string_view table) {
         std::string name = recordName(from_, source);
         if (Handle mine = to_.findRecord(table, name); mine != kNoHandle) return map_[source] = mine;
-        Handle handle = to_.allocateHandle();
-        map_[source] = handle;
+        auto allocated = to_.allocateHandle();
+        if (!allocated) return allocated.error();
+        Handle handle = map_[source] = *allocated;
         TagList tags = detached(from_.tags(source));
         if (auto fixed = translate(tags); !fixed) return fixed.error();
         auto added = to_.addRecord(table, std::move(tags), handle);
@@ -116,7 +117,8 @@ private:
         // Handles first, so that entities pointing at each other are translated.
         std::vector<Handle> entities = from_.entitiesOf(source);
         std::vector<Handle> handles;
-        for (Handle entity : entities) handles.push_back(map_[entity] = to_.allocateHandle());
+        if (auto left = to_.handlesLeft(entities.size()); !left) return left.error();
+        for (Handle entity : entities) handles.push_back(map_[entity] = to_.allocateHandle().value());
         for (std::size_t i = 0; i < entities.size(); ++i) {
             TagList tags = detached(from_.tags(entities[i]));
             if (auto fixed = translate(tags); !fixed) return fixed.error();
@@ -141,8 +143,9 @@ private:
         if (!targetDictionary) return targetDictionary.error();
         if (Handle mine = findEntry(to_, *targetDictionary, key); mine != kNoHandle) return map_[source] = mine;
         if (dictionary != "ACAD_MLINESTYLE" && dictionary != "ACAD_MLEADERSTYLE" && dictionary != "ACAD_LAYOUT") return kNoHandle;
-        Handle handle = to_.allocateHandle();
-        map_[source] = handle;
+        auto allocated = to_.allocateHandle();
+        if (!allocated) return allocated.error();
+        Handle handle = map_[source] = *allocated;
         TagList tags = detached(from_.tags(source));
         if (auto fixed = translate(tags); !fixed) return fixed.error();
         if (dictionary == "ACAD_LAYOUT") tags.setIntegerIn("AcDbLayout", gc::kInt71, static_cast<std::int64_t>(layoutNames(to_).size()));
@@ -180,8 +183,9 @@ private:
     Result<Handle> ownedObject(Handle source, Handle owner) {
         if (auto it = map_.find(source); it != map_.end()) return it->second;
         if (!from_.exists(source)) return kNoHandle;
-        Handle handle = to_.allocateHandle();
-        map_[source] = handle;
+        auto allocated = to_.allocateHandle();
+        if (!allocated) return allocated.error();
+        Handle handle = map_[source] = *allocated;
         TagList tags = detached(from_.tags(source));
         if (isDictionaryType(tags.type())) {
             // Entries own their objects: those are copied under the new dictionary; an entry

@@ -51,8 +51,8 @@ TEST(AtomicSave, FailureLeavesTheOldFileAndNoTemporaryOne) {
 
     auto halfway = save(target, "half a drawing", "the value \"abc\" does not fit group code 70");
     EXPECT_EQ(halfway.message(), "cannot save '" + target.string() + "': the value \"abc\" does not fit group code 70");
-    auto renamed = save(directory, "new");  // the final rename fails
-    EXPECT_EQ(renamed.message(), "cannot save '" + directory.string() + "': Is a directory");
+    auto refused = save(directory, "new");  // refused before anything is written
+    EXPECT_EQ(refused.message(), "cannot save '" + directory.string() + "': it is a directory, not a regular file");
     auto nowhere = save(missing / "plan.dxf", "new");
     EXPECT_EQ(nowhere.message(), "cannot save '" + (missing / "plan.dxf").string() + "': cannot create a file in '" +
                                      missing.string() + "': No such file or directory");
