@@ -125,7 +125,14 @@ bool CommandLine::inPaperSpace() const {
     return tilemode && tilemode->integer == 0;
 }
 
+bool CommandLine::mayNest(const std::wstring& name) {
+    if (frames_.size() + variablePrompts_ < kMaxNesting) return true;
+    print(name + host::format(L": cancelled, commands nest at most %i deep.\n", static_cast<int>(kMaxNesting)));
+    return false;
+}
+
 CommandLine::Outcome CommandLine::execute(const Command& command, const std::wstring& name) {
+    if (!mayNest(name)) return Outcome::kRefused;
     if ((command.flags & host::CommandFlags::kNoPaperSpace) && inPaperSpace()) {
         print(L"Command not allowed in a layout: " + name + L"\n");
         return Outcome::kRefused;
@@ -228,10 +235,13 @@ void CommandLine::promptVariable(const std::wstring& name) {
         print(key + L" = " + variables_.display(*value) + L" (read only)\n");
         return;
     }
+    if (!mayNest(key)) return;
     const bool text = value->type == host::VariableType::kString;
     std::wstring answer;
+    ++variablePrompts_;
     const host::PromptStatus status =
         getString(L"Enter new value for " + key + L" <" + variables_.display(*value) + L">: ", text, answer);
+    --variablePrompts_;
     if (status != host::PromptStatus::kNormal || answer.empty()) return;
     // "." clears a text variable, as "" cannot be typed.
     if (text && answer == L".") answer.clear();
