@@ -3,11 +3,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 #ifdef VELTARN_HAVE_LIBEDIT
@@ -63,11 +62,10 @@ dxf::Result<LineSource> feedOfInputs(const std::vector<ProgramInput>& inputs) {
             all += input.value;
             continue;
         }
-        std::ifstream in(input.value, std::ios::binary);
-        if (!in) return dxf::makeError(input.value + ": cannot read the script");
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
-        std::string text = bytes.str();
+        host::FileBytes read = host::readRegularFile(input.value, host::kMaxTextFileBytes);
+        if (read.problem == host::FileProblem::kCannotOpen) return dxf::makeError(input.value + ": cannot read the script");
+        if (!read.ok()) return dxf::makeError(read.error);
+        std::string text = std::move(read.bytes);
         if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
         // Each script ends its last line, so that the next piece starts on a line of its own.
         if (!text.empty() && text.back() != '\n') text += '\n';

@@ -15,7 +15,8 @@ namespace veltarn::app {
 using LineSource = std::function<std::optional<std::wstring>()>;
 
 // The scripts (read whole now, a byte-order mark dropped) and command texts in the order given,
-// one line at a time. Fails naming the first script that cannot be read.
+// one line at a time. Fails naming the first script that cannot be read: one that is no regular
+// file ("is a directory", "is a FIFO", "is a device") or larger than host::kMaxTextFileBytes.
 dxf::Result<LineSource> feedOfInputs(const std::vector<ProgramInput>& inputs);
 
 // Standard input, one line at a time, to its end.

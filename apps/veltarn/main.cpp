@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
         workbench.openDocument(std::move(drawing));
         const app::ClassifierCheck check = app::checkClassifier(workbench, *options.checkClassifier,
                                                                 [&workbench](const std::wstring& text) { workbench.editor().print(text); });
-        if (!check.opened) return fail(app::kExitFileError, *options.checkClassifier + ": cannot open the classifier");
+        if (!check.opened) return fail(app::kExitFileError, check.problem);
         if (options.saveAs) {
             if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
         }

@@ -3,23 +3,18 @@
 #include "classifier/Trim.h"
 #include "host/Utf8.h"
 
-#include <cstdio>
-#include <memory>
+#include "host/RegularFile.h"
 
 namespace veltarn {
 
 bool ClassifierLines::open(const std::wstring& path) {
     text_.clear();
     position_ = 0;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(host::toUtf8(path).c_str(), "rb"), &std::fclose);
-    if (!file) return false;
-    std::string bytes;
-    char buffer[65536];
-    std::size_t got;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, got);
-    if (std::ferror(file.get())) return false;  // a folder opens but does not read
+    // Only a regular file: a folder, a FIFO or a device is no classifier.
+    host::FileBytes file = host::readRegularFile(host::toUtf8(path), host::kMaxTextFileBytes);
+    if (!file.ok()) return false;
 
-    std::wstring decoded = host::fromUtf8(bytes);
+    std::wstring decoded = host::fromUtf8(file.bytes);
     std::size_t start = !decoded.empty() && decoded.front() == L'\uFEFF' ? 1 : 0;
     // Text mode: a CR that ends a line is not part of it.
     text_.reserve(decoded.size());

@@ -15,7 +15,8 @@ class ClassifierLines {
 public:
     static constexpr std::size_t kBufferSize = 10240;
 
-    // False when the file cannot be opened or read.
+    // False when the file cannot be opened or read: one that is no regular file, or is larger
+    // than host::kMaxTextFileBytes.
     bool open(const std::wstring& path);
     // Sets `line` to the next piece (line end included when it has one); false at the end. The
     // view stays valid while this object lives.

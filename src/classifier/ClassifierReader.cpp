@@ -8,6 +8,7 @@
 #include "host/Format.h"
 #include "host/LowerCase.h"
 #include "host/NumberRules.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 #include "res/StringTable.h"
 
@@ -31,12 +32,8 @@ bool isGoodName(std::wstring_view name, std::size_t maxLength) {
     return !name.empty() && name.size() <= maxLength && name.find_first_of(kRefusedNameChars) == std::wstring_view::npos;
 }
 
-bool canOpen(const std::wstring& path) {
-    std::FILE* file = std::fopen(host::toUtf8(path).c_str(), "r");
-    if (!file) return false;
-    std::fclose(file);
-    return true;
-}
+// A regular file that opens; a FIFO would block a plain open, a device would read for ever.
+bool canOpen(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
 
 // The kinds in the order the missing-resource warnings are given.
 constexpr std::pair<ResourceKind, StringId> kMissingWarnings[] = {

@@ -62,5 +62,59 @@ TEST_F(HostileInput, NestedTransparentCommandsStopAtTheLimitWithAMessage) {
     EXPECT_EQ(count(nestedVariables.out, "LUPREC: cancelled, commands nest at most 16 deep.\n"), 100u - 15u);
 }
 
+TEST_F(HostileInput, InputsThatAreNoRegularFilesAreRefusedByName) {
+    makeFifo("pipe.dxf");
+    makeFifo("pipe.scr");
+    makeFifo("pipe.txt");
+    fs::create_directory(dir_ / "folder.scr");
+    fs::create_symlink("/dev/zero", dir_ / "zero.txt");
+    const std::pair<std::string, std::string> cases[] = {
+        {"pipe.dxf", "veltarn: pipe.dxf: is a FIFO\n"},
+        {"/dev/null", "veltarn: /dev/null: is a device\n"},
+        {"--script pipe.scr", "veltarn: pipe.scr: is a FIFO\n"},
+        {"--script /dev/zero", "veltarn: /dev/zero: is a device\n"},
+        {"--script folder.scr", "veltarn: folder.scr: is a directory\n"},
+        {"--check-classifier pipe.txt", "veltarn: pipe.txt: is a FIFO\n"},
+        {"--check-classifier zero.txt", "veltarn: zero.txt: is a device\n"},
+        {"--check-classifier folder.scr", "veltarn: folder.scr: is a directory\n"},
+    };
+    for (const auto& [arguments, message] : cases) {
+        const Outcome run = veltarn(arguments);
+        EXPECT_EQ(run.exitCode, 1) << arguments;
+        EXPECT_EQ(run.err, message) << arguments;
+    }
+}
+
+TEST_F(HostileInput, OpenAndScriptSayWhatAPathIsThatIsNoFile) {
+    makeFifo("pipe.dxf");
+    fs::create_directory(dir_ / "folder.dxf");
+    fs::create_symlink("/dev/zero", dir_ / "zero.dxf");
+    fs::create_directory(dir_ / "folder.scr");
+    const Outcome run = veltarn("--command 'OPEN\\nfolder.dxf\\nOPEN\\npipe.dxf\\nOPEN\\nzero.dxf\\nOPEN\\nnone.dxf\\n"
+                                "SCRIPT\\nfolder.scr\\n'");
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    const std::string folder = (dir_ / "folder.dxf").string();
+    EXPECT_NE(run.out.find(folder + ": is a directory\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find((dir_ / "pipe.dxf").string() + ": is a FIFO\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find((dir_ / "zero.dxf").string() + ": is a device\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("File not found: " + (dir_ / "none.dxf").string()), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find((dir_ / "folder.scr").string() + ": is a directory\n"), std::string::npos) << run.out;
+    EXPECT_EQ(count(run.out, "File not found"), 1u) << run.out;
+}
+
+TEST_F(HostileInput, ResourceFilesThatAreDevicesOrFifosAreNotRead) {
+    fs::create_symlink("/dev/zero", dir_ / "zero.lin");
+    fs::create_symlink("/dev/zero", dir_ / "zero.pat");
+    makeFifo("pipe.lin");
+    for (const auto& [keyword, file] : {std::pair{"linetype", "zero.lin"}, {"pattern", "zero.pat"}, {"linetype", "pipe.lin"}}) {
+        writeFile(dir_ / "resources.txt", std::string(keyword) + "\t" + file +
+                                              "\n\nclass\tA\t1\n\tobj_name\tB\t1\t1\n\t\tobj_type\tLine\n"
+                                              "\t\tobj_prop\tlinetype\tDASHED2\n\t\tobj_prop\tpattern\tSTARS\n/class\n");
+        const Outcome run = veltarn("--check-classifier resources.txt");
+        EXPECT_EQ(run.exitCode, 1) << file << ": the reader stops on a file it cannot load";
+        EXPECT_EQ(run.out, "error: unable to load './" + std::string(file) + "'\n0 classes, 0 objects, 0 tables\n");
+    }
+}
+
 }  // namespace
 }  // namespace veltarn::e2e

@@ -1,11 +1,9 @@
 // SCRIPT: runs the command lines of a script file right after this command, before any other input.
 #include "cad/commands/HostSession.h"
 
-#include <fstream>
-#include <sstream>
-
 #include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
+#include "host/RegularFile.h"
 
 namespace veltarn::cad {
 
@@ -14,14 +12,16 @@ void registerScriptCommand(HostSession& session) {
         host::FileDialogRequest request{L"Select Script File", L"", L"scr", L"Script (*.scr)|*.scr||", false, false};
         std::optional<std::wstring> path = session.host.dialogs().openFile(request);
         if (!path) return;
-        std::ifstream in(seam::narrow(*path), std::ios::binary);
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
-        if (!in) {
+        host::FileBytes read = host::readRegularFile(seam::narrow(*path), host::kMaxTextFileBytes);
+        if (read.problem == host::FileProblem::kCannotOpen) {
             session.host.editor().print(L"Cannot read the script " + *path + L".\n");
             return;
         }
-        std::string text = bytes.str();
+        if (!read.ok()) {
+            session.host.editor().print(L"Error: " + seam::wide(read.error) + L"\n");
+            return;
+        }
+        std::string text = std::move(read.bytes);
         if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
         // The last line of a script ends like the others, so its last command is not left waiting.
         if (!text.empty() && text.back() != '\n') text += '\n';

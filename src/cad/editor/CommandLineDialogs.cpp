@@ -4,6 +4,7 @@
 
 #include "host/Format.h"
 #include "host/NumberRules.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 #include "res/DialogTexts.h"
 
@@ -36,8 +37,13 @@ std::optional<std::wstring> CommandLineDialogs::openFile(const host::FileDialogR
     std::optional<std::wstring> path = askPath(L"Enter name of file to open", request);
     if (!path) return std::nullopt;
     std::error_code error;
-    if (!fs::is_regular_file(toPath(*path), error)) {
+    if (!fs::exists(toPath(*path), error)) {
         editor_.print(L"File not found: " + *path + L"\n");
+        return std::nullopt;
+    }
+    // A folder, a FIFO or a device is there but is no file to read: say what it is.
+    if (const host::FileBytes checked = host::checkRegularFile(host::toUtf8(*path)); !checked.ok()) {
+        editor_.print(host::fromUtf8(checked.error) + L"\n");
         return std::nullopt;
     }
     return path;
