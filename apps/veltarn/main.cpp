@@ -109,10 +109,12 @@ int main(int argc, char** argv) {
     const bool interactive = options.inputs.empty() && ::isatty(STDIN_FILENO);
     Transcript transcript(interactive);
     app::LineSource source;
+    editor::CommandInput::SourceScript sourceScript;
     if (!options.inputs.empty()) {
         auto feed = app::feedOfInputs(options.inputs);
         if (!feed) return fail(app::kExitFileError, feed.message());
-        source = std::move(feed.value());
+        source = std::move(feed->lines);
+        sourceScript = std::move(feed->script);
     } else if (interactive) {
         source = app::feedOfTerminal([&transcript] { return transcript.takePrompt(); });
     } else {
@@ -140,7 +142,7 @@ int main(int argc, char** argv) {
     editor::CommandLine& commandLine = workbench.commandLine();
     // A person at a terminal sees the typing; a script's transcript shows each answer after its prompt.
     commandLine.setEcho(!interactive);
-    commandLine.input() = editor::CommandInput(std::move(source));
+    commandLine.input() = editor::CommandInput(std::move(source), std::move(sourceScript));
     while (!session.quitRequested && commandLine.step()) {
     }
 

@@ -116,5 +116,33 @@ TEST_F(HostileInput, ResourceFilesThatAreDevicesOrFifosAreNotRead) {
     }
 }
 
+TEST_F(HostileInput, AScriptCannotStartItselfNotEvenThroughAnother) {
+    writeFile(dir_ / "self.scr", "GETVAR LUPREC\nSCRIPT\nself.scr\nGETVAR CMDECHO\n");
+    const Outcome self = veltarn("--script self.scr");
+    EXPECT_EQ(self.exitCode, 0) << self.err;
+    EXPECT_EQ(count(self.out, "Enter variable name: LUPREC\n"), 1u) << self.out;
+    EXPECT_NE(self.out.find("Error: " + (dir_ / "self.scr").string() +
+                            ": the script is running already and cannot start itself again.\n"
+                            "Command: GETVAR\nEnter variable name: CMDECHO\n"),
+              std::string::npos)
+        << "refused, and the rest of the script runs: " << self.out;
+
+    // Two that start each other, the second at its very end: the first is still running then.
+    writeFile(dir_ / "ping.scr", "GETVAR LUPREC\nSCRIPT\npong.scr\n");
+    writeFile(dir_ / "pong.scr", "GETVAR CMDECHO\nSCRIPT\nping.scr\n");
+    const Outcome pair = veltarn("--command 'SCRIPT\\nping.scr\\n'");
+    EXPECT_EQ(pair.exitCode, 0) << pair.err;
+    EXPECT_EQ(count(pair.out, "Enter variable name: LUPREC\n"), 1u) << pair.out;
+    EXPECT_EQ(count(pair.out, "Enter variable name: CMDECHO\n"), 1u) << pair.out;
+    EXPECT_EQ(count(pair.out, "cannot start itself again"), 1u) << pair.out;
+
+    // One after the other is no loop: the same script may run again once it has ended.
+    writeFile(dir_ / "plain.scr", "GETVAR CMDECHO\n");
+    const Outcome again = veltarn("--command 'SCRIPT\\nplain.scr\\n' --script plain.scr --command 'SCRIPT\\nplain.scr\\n'");
+    EXPECT_EQ(again.exitCode, 0) << again.err;
+    EXPECT_EQ(count(again.out, "Enter variable name: CMDECHO\n"), 3u) << again.out;
+    EXPECT_EQ(count(again.out, "cannot start itself again"), 0u) << again.out;
+}
+
 }  // namespace
 }  // namespace veltarn::e2e

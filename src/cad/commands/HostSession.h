@@ -34,4 +34,8 @@ void registerLayerCommand(HostSession& session);       // -LAYER
 void registerScriptCommand(HostSession& session);      // SCRIPT
 void registerHelpCommand(HostSession& session);        // HELP
 
+// What a script is known by when it might start itself: its canonical path (the path as given
+// when that cannot be found), so that "./a.scr" and a symlink to it are the same script.
+std::wstring scriptIdentity(const std::string& path);
+
 }  // namespace veltarn::cad
