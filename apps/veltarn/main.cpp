@@ -151,7 +151,11 @@ int main(int argc, char** argv) {
     veltarnEntryPoint(AppMessage::kUnloadApp, workbench);
     transcript.flush();
 
-    if (options.saveAs) return save(workbench, *options.saveAs);
+    if (options.saveAs) {
+        if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
+    }
+    // A save the commands asked for failed: its message is in the transcript, the status says so.
+    if (!session.saveError.empty()) return fail(app::kExitFileError, session.saveError);
     return app::kExitOk;
 }
 

@@ -144,5 +144,23 @@ TEST_F(HostileInput, AScriptCannotStartItselfNotEvenThroughAnother) {
     EXPECT_EQ(count(again.out, "cannot start itself again"), 0u) << again.out;
 }
 
+TEST_F(HostileInput, AFailedSaveEndsTheProgramWithStatusOne) {
+    const std::string tooLong(300, 'x');
+    const Outcome failed = veltarn("--command 'SAVEAS\\n" + tooLong + ".dxf\\nGETVAR LUPREC\\n'");
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_NE(failed.out.find("Error: cannot save"), std::string::npos) << failed.out;
+    EXPECT_NE(failed.out.find("Enter variable name: LUPREC\n"), std::string::npos) << "the commands after it still ran";
+    EXPECT_EQ(failed.err.rfind("veltarn: cannot save '", 0), 0u) << failed.err;
+
+    writeFile(dir_ / "save.scr", "SAVEAS\n" + tooLong + ".dxf\n");
+    EXPECT_EQ(veltarn("--script save.scr").exitCode, 1);
+
+    // A save that works after one that failed does not make the run a success.
+    const Outcome later = veltarn("--command 'SAVEAS\\n" + tooLong + ".dxf\\nSAVEAS\\ngood.dxf\\n'");
+    EXPECT_EQ(later.exitCode, 1);
+    EXPECT_TRUE(fs::exists(dir_ / "good.dxf"));
+    EXPECT_EQ(veltarn("--command 'SAVEAS\\ngood2.dxf\\n'").exitCode, 0);
+}
+
 }  // namespace
 }  // namespace veltarn::e2e

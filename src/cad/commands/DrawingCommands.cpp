@@ -20,6 +20,7 @@ bool saveTo(HostSession& session, const std::wstring& path) {
     seam::writeHeaderVariables(drawing->raw(), session.host.variables());
     if (auto saved = drawing->raw().save(file); !saved) {
         session.host.editor().print(L"Error: " + seam::wide(saved.message()) + L"\n");
+        if (session.saveError.empty()) session.saveError = saved.message();
         return false;
     }
     // An R12 drawing given object data or draw order was saved as 2018: the user should know.

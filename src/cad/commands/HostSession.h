@@ -14,6 +14,9 @@ struct HostSession {
     seam::WorkbenchHost& host;
     // Set by QUIT: the program stops reading input.
     bool quitRequested = false;
+    // The message of the first SAVE or SAVEAS that failed on its file: a batch run must not end
+    // as if the drawing had been saved.
+    std::string saveError;
     // Extra lines LIST prints for an entity after its extension dictionary (the module's object
     // data in readable form); empty text adds nothing.
     std::function<std::wstring(host::Database&, host::ObjectId)> listObjectData;
