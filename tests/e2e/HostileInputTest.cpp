@@ -162,5 +162,25 @@ TEST_F(HostileInput, AFailedSaveEndsTheProgramWithStatusOne) {
     EXPECT_EQ(veltarn("--command 'SAVEAS\\ngood2.dxf\\n'").exitCode, 0);
 }
 
+// An object-data record xrecord of 20,000 values (5,000 records of the ROADS table) in the
+// drawing of the object-data transcript: LIST read the whole xrecord again for every record.
+TEST_F(HostileInput, ListShowsEveryRecordOfALargeXrecord) {
+    std::string drawing = readFile(VELTARN_SOURCE_DIR "/tests/e2e/cases/object_data_list.in.dxf");
+    const std::string lastRecord = "  1\nSide road\n 90\n1\n 40\n3.25\n 10\n5.0\n 20\n6.0\n 30\n7.0\n";
+    const std::size_t at = drawing.find(lastRecord);
+    ASSERT_NE(at, std::string::npos);
+    std::string records;
+    for (int i = 0; i < 5000; ++i)
+        records += "  1\nRoad " + std::to_string(i) + "\n 90\n" + std::to_string(i) + "\n 40\n1.5\n 10\n1.0\n 20\n2.0\n 30\n0.0\n";
+    drawing.insert(at + lastRecord.size(), records);
+    writeFile(dir_ / "large.dxf", drawing);
+
+    const Outcome run = veltarn("large.dxf --command 'LIST\\n33\\n\\n'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(count(run.out, "  Object data table: ROADS\n"), 5002u);
+    EXPECT_NE(run.out.find("      NAME (Character): Road 0\n      LANES (Integer): 0\n"), std::string::npos);
+    EXPECT_NE(run.out.find("      NAME (Character): Road 4999\n      LANES (Integer): 4999\n"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace veltarn::e2e
