@@ -118,6 +118,10 @@ private:
         say(id, args...);
         return false;
     }
+    bool expansionTooLong() {
+        return fail(StringId::kReaderExpansionTooLong, line_, static_cast<int>(MacroTable::kMaxLength),
+                    static_cast<int>(MacroTable::kMaxExpansions));
+    }
 
     const ClassifierReader::Print& print_;
     const host::SystemVariables* variables_;
@@ -150,7 +154,12 @@ bool Run::read(ClassifierLines& lines) {
 }
 
 bool Run::dispatch(Columns& columns) {
-    for (auto& column : columns) column = macros_.expand(std::move(column));
+    std::size_t length = 0;
+    for (auto& column : columns) {
+        std::optional<std::wstring> expanded = macros_.expand(std::move(column));
+        if (!expanded || (length += expanded->size()) > MacroTable::kMaxLength) return expansionTooLong();
+        column = std::move(*expanded);
+    }
     keyword_ = host::toLower(columns.front());
     const auto& table = keywords();
     auto handler = table.find(keyword_);
@@ -315,7 +324,9 @@ bool Run::onOdFld(const Columns& c) {
     };
     std::wstring defaultText;
     if (c.size() >= 5) {
-        defaultText = fieldText(c[4]);
+        std::optional<std::wstring> expanded = fieldText(c[4]);
+        if (!expanded) return expansionTooLong();
+        defaultText = std::move(*expanded);
         field.kind = ValueKind::Default;
     }
     if (c.size() == 6) {
@@ -323,7 +334,11 @@ bool Run::onOdFld(const Columns& c) {
         std::vector<std::wstring> items = splitValues(c[5], colons);
         if (colons == 1 && items.size() != 2) return fail(StringId::kReaderInvalidOdFld, line_);
         field.kind = colons == 1 ? ValueKind::Range : ValueKind::List;
-        for (const auto& item : items) field.values.push_back(fieldText(item));
+        for (const auto& item : items) {
+            std::optional<std::wstring> expanded = fieldText(item);
+            if (!expanded) return expansionTooLong();
+            field.values.push_back(std::move(*expanded));
+        }
     }
     if (!defaultText.empty()) {
         switch (field.type) {

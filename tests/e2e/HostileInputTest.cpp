@@ -1,5 +1,6 @@
-// What a hostile user can give the program. Each run has a time limit, so a regression shows as a
-// failure and never as a hang.
+// What a hostile user can give the program: deep nesting, files that are no files (folders, FIFOs,
+// devices), scripts that start themselves, inputs whose cost grew faster than their size, and saves
+// that fail. Each run has a time limit, so a regression shows as a failure and never as a hang.
 #include <unistd.h>
 
 #include "ProgramRun.h"
@@ -180,6 +181,29 @@ TEST_F(HostileInput, ListShowsEveryRecordOfALargeXrecord) {
     EXPECT_EQ(count(run.out, "  Object data table: ROADS\n"), 5002u);
     EXPECT_NE(run.out.find("      NAME (Character): Road 0\n      LANES (Integer): 0\n"), std::string::npos);
     EXPECT_NE(run.out.find("      NAME (Character): Road 4999\n      LANES (Integer): 4999\n"), std::string::npos);
+}
+
+// Macros that double at each of their levels: the line they make is refused past its limit, with
+// the line's number, and one within it is read whole.
+TEST_F(HostileInput, MacrosThatBlowUpStopWithAnError) {
+    auto classifier = [](int levels) {
+        std::string text;
+        for (int i = 0; i < levels; ++i)
+            text += "define\tm" + std::to_string(i) + "\t$(m" + std::to_string(i + 1) + ")$(m" + std::to_string(i + 1) + ")\n";
+        text += "define\tm" + std::to_string(levels) + "\tabcdefgh\n";
+        return text + "class\tA\t1\n\tobj_name\tB\t1\t1\t$(m0)\n\t\tobj_type\tLine\n/class\n";
+    };
+    writeFile(dir_ / "twenty.txt", classifier(20));  // 8 Mi characters
+    const Outcome twenty = veltarn("--check-classifier twenty.txt");
+    EXPECT_EQ(twenty.exitCode, 0) << twenty.out;
+    EXPECT_EQ(twenty.out, "1 classes, 1 objects, 0 tables\n");
+
+    writeFile(dir_ / "thirty.txt", classifier(30));
+    const Outcome thirty = veltarn("--check-classifier thirty.txt");
+    EXPECT_EQ(thirty.exitCode, 1);
+    EXPECT_EQ(thirty.out,
+              "33: error: macros expand the line too far (more than 16777216 characters or 4194304 replacements)\n"
+              "0 classes, 0 objects, 0 tables\n");
 }
 
 }  // namespace
