@@ -133,12 +133,14 @@ private:
     ClassDef object_;            // empty name: no object is current
     std::wstring lastRecorded_;  // key last added to a member list
     std::optional<TableDef> table_;
+    std::set<std::wstring> tableFields_;  // the lower-cased field names of table_, for redefinitions
     std::vector<ClassNode*> stack_;  // root first; pointers stay valid because only the top grows
     std::set<std::wstring> nodeNames_;
     bool classFlag_ = true;
     bool autoconst_ = false;
     MacroTable macros_;
-    std::vector<TableDef> fileTables_;
+    // The file's tables by lower-cased name: only tables of one name can conflict.
+    std::map<std::wstring, std::vector<TableDef>> fileTables_;
     std::map<std::wstring, DependencyFile> dependencies_;  // by lower-cased path
 };
 
@@ -259,13 +261,17 @@ bool Run::finishTable() {
     } else if (drawing_ && !drawing_->tableMatches(table)) {
         return fail(StringId::kReaderTableMismatch, line_, table.name);
     }
-    bool known = std::any_of(fileTables_.begin(), fileTables_.end(),
-                             [&](const TableDef& other) { return other.isIdenticalTo(table); });
-    if (!known) {
-        for (const auto& other : fileTables_) {
+    std::vector<TableDef>& sameName = fileTables_[host::toLower(table.name)];
+    auto known = std::find_if(sameName.begin(), sameName.end(),
+                              [&](const TableDef& other) { return other.isIdenticalTo(table); });
+    if (known == sameName.end()) {
+        for (const auto& other : sameName) {
             if (!table.isCompatibleWith(other)) return fail(StringId::kReaderTableConflict, line_, table.name);
         }
-        fileTables_.push_back(table);
+        sameName.push_back(table);
+    } else {
+        // The same fields as a table before: share them rather than keep another copy.
+        table.fields = known->fields;
     }
     object_.tables.push_back(std::move(table));
     return true;
@@ -276,6 +282,7 @@ bool Run::onOdName(const Columns& c) {
     if (c.size() != 2 || !isGoodName(c[1], kMaxTableNameLength)) return fail(StringId::kReaderInvalidOdName, line_);
     if (!finishTable()) return false;
     table_ = TableDef{c[1], {}};
+    tableFields_.clear();
     return true;
 }
 
@@ -283,6 +290,7 @@ bool Run::onOdKey(const Columns& c) {
     if (!table_) return fail(StringId::kReaderOdNameUndefined, line_);
     if (c.size() != 2 || !isGoodName(c[1], kMaxFieldNameLength)) return fail(StringId::kReaderInvalidOdKey, line_);
     table_->fields.push_back(makeKeyField(c[1]));
+    tableFields_.insert(host::toLower(c[1]));
     return true;
 }
 
@@ -311,7 +319,7 @@ bool Run::onOdFld(const Columns& c) {
     if (c.size() < 4 || c.size() > 6 || !isGoodName(c[1], kMaxFieldNameLength) || attributes.type == FieldType::None) {
         return fail(StringId::kReaderInvalidOdFld, line_);
     }
-    if (table_->findField(c[1])) return fail(StringId::kReaderRedefinitionOdFld, line_, c[1]);
+    if (!tableFields_.insert(host::toLower(c[1])).second) return fail(StringId::kReaderRedefinitionOdFld, line_, c[1]);
 
     FieldDef field;
     field.name = c[1];
