@@ -161,6 +161,12 @@ TEST_F(HostileInput, AFailedSaveEndsTheProgramWithStatusOne) {
     EXPECT_EQ(later.exitCode, 1);
     EXPECT_TRUE(fs::exists(dir_ / "good.dxf"));
     EXPECT_EQ(veltarn("--command 'SAVEAS\\ngood2.dxf\\n'").exitCode, 0);
+
+    // A folder that is not there fails the save as surely; a cancelled prompt does not.
+    const Outcome noFolder = veltarn("--command 'SAVEAS\\nno/such/folder/x.dxf\\n'");
+    EXPECT_EQ(noFolder.exitCode, 1);
+    EXPECT_EQ(noFolder.err, "veltarn: " + (dir_ / "no/such/folder").string() + ": folder not found\n");
+    EXPECT_EQ(veltarn("--command 'SAVEAS\\nEsc\\n'").exitCode, 0);
 }
 
 // An object-data record xrecord of 20,000 values (5,000 records of the ROADS table) in the

@@ -38,6 +38,11 @@ bool saveAs(HostSession& session) {
     request.initialPath = document->fileName();
     request.confirmOverwrite = true;
     std::optional<std::wstring> path = session.host.dialogs().saveFile(request);
+    // A path that cannot be saved to is a failed save; a cancelled prompt is not.
+    if (const std::wstring& refusal = session.host.commandLineDialogs().saveRefusal();
+        !path && !refusal.empty() && session.saveError.empty()) {
+        session.saveError = seam::narrow(refusal);
+    }
     return path && saveTo(session, *path);
 }
 

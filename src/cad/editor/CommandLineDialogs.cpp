@@ -50,15 +50,18 @@ std::optional<std::wstring> CommandLineDialogs::openFile(const host::FileDialogR
 }
 
 std::optional<std::wstring> CommandLineDialogs::saveFile(const host::FileDialogRequest& request) {
+    saveRefusal_.clear();
     std::optional<std::wstring> path = askPath(L"Enter name of file to save", request);
     if (!path) return std::nullopt;
     const fs::path file = toPath(*path);
     std::error_code error;
     if (!fs::is_directory(file.parent_path(), error)) {
+        saveRefusal_ = fromPath(file.parent_path()) + L": folder not found";
         editor_.print(L"Folder not found: " + fromPath(file.parent_path()) + L"\n");
         return std::nullopt;
     }
     if (fs::is_directory(file, error)) {
+        saveRefusal_ = *path + L": is a directory";
         editor_.print(L"Not a file: " + *path + L"\n");
         return std::nullopt;
     }

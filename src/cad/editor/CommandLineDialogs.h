@@ -19,6 +19,10 @@ public:
     // "Enter name of file to save <initial>: ". The folder must exist; an existing file is replaced
     // only after "Replace it? [Yes/No] <No>: " is answered Yes, when the request asks for that.
     std::optional<std::wstring> saveFile(const host::FileDialogRequest& request) override;
+    // Why the last saveFile() gave nullopt when a path was typed that cannot be saved to, as an
+    // error message ("/a/b: folder not found", "/a/b.dxf: is a directory"): a failed save, not a
+    // cancel. Empty otherwise.
+    const std::wstring& saveRefusal() const { return saveRefusal_; }
     // One prompt per check box; "Change object" and "Define field OD" are asked only while "Attach
     // OD" is 1, as the dialog enables them only then. Enter keeps a value, other answers are read
     // as integers and clamped to 0 or 1.
@@ -34,6 +38,7 @@ private:
     bool askFlag(const std::wstring& caption, bool& value);
 
     host::Editor& editor_;
+    std::wstring saveRefusal_;
 };
 
 }  // namespace veltarn::editor
