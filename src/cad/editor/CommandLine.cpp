@@ -238,10 +238,14 @@ void CommandLine::promptVariable(const std::wstring& name) {
     if (!mayNest(key)) return;
     const bool text = value->type == host::VariableType::kString;
     std::wstring answer;
-    ++variablePrompts_;
+    // Counted while it waits, also when what runs inside it throws.
+    struct Counted {
+        std::size_t& count;
+        explicit Counted(std::size_t& c) : count(c) { ++count; }
+        ~Counted() { --count; }
+    } counted(variablePrompts_);
     const host::PromptStatus status =
         getString(L"Enter new value for " + key + L" <" + variables_.display(*value) + L">: ", text, answer);
-    --variablePrompts_;
     if (status != host::PromptStatus::kNormal || answer.empty()) return;
     // "." clears a text variable, as "" cannot be typed.
     if (text && answer == L".") answer.clear();
