@@ -3,6 +3,11 @@
 // keywords, selections, transparent commands, lisp calls, cancels). Besides crashes and hangs it
 // checks that the session always comes back to the "Command: " prompt with no command left
 // running and no object left open.
+//
+// Deep nesting needs long inputs ("'GETVAR\n" twenty thousand times): an input that starts with
+// byte 1 and a count N stands for the rest of it repeated N * 100 times. Run it with the command
+// names and the transparent quote as a dictionary, and room for long inputs:
+//   build-fuzz/bin/command_input_fuzz -dict=fuzz/command.dict -max_len=200000 -max_total_time=600 corpus
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +29,8 @@ void require(bool condition, const char* what) {
     std::abort();
 }
 
-// Commands that prompt each way; file commands are left out so that no input writes files.
+// Commands that prompt each way; file commands that write are left out so that no input writes
+// files. SCRIPT stays: it only reads, and a script that starts itself must be refused.
 void registerPromptingCommands(seam::WorkbenchHost& host) {
     host::Editor& editor = host.editor();
     host.commandStack().addCommand(L"FUZZ", L"ASK", L"ASK", 0, [&editor] {
@@ -48,15 +54,32 @@ void registerPromptingCommands(seam::WorkbenchHost& host) {
 }
 
 // A settings file that names an empty support path, so that no run makes a new user's support
-// folder (which would write files on every start).
+// folder (which would write files on every start); beside it the scripts the dictionary names:
+// one that starts itself at its end, and two that start each other.
 const std::filesystem::path& settingsFile() {
     static const std::filesystem::path file = [] {
         const std::filesystem::path folder = std::filesystem::temp_directory_path() / "veltarn_command_input_fuzz";
         std::filesystem::create_directories(folder);
         std::ofstream(folder / "settings") << "supportPath=\n";
+        std::ofstream(folder / "self.scr") << "GETVAR CMDNAMES\nSCRIPT\n" << (folder / "self.scr").string() << "\n";
+        std::ofstream(folder / "ping.scr") << "'GETVAR\nSCRIPT\n" << (folder / "pong.scr").string() << "\n";
+        std::ofstream(folder / "pong.scr") << "ASK a\nSCRIPT\n" << (folder / "ping.scr").string() << "\n";
         return folder / "settings";
     }();
     return file;
+}
+
+// The input as typed: the bytes, or for an input that starts with byte 1 and a count N the rest
+// repeated N * 100 times.
+std::string typedInput(const std::uint8_t* data, std::size_t size) {
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    if (size < 2 || data[0] != 1) return bytes;
+    const std::string piece = bytes.substr(2);
+    const std::size_t repeats = std::size_t{data[1]} * 100;
+    std::string text;
+    text.reserve(piece.size() * repeats);
+    for (std::size_t i = 0; i < repeats; ++i) text += piece;
+    return text;
 }
 
 }  // namespace
@@ -70,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     cad::registerListCommand(session);
     cad::registerLayerCommand(session);
     cad::registerHelpCommand(session);
+    cad::registerScriptCommand(session);
     registerPromptingCommands(host);
 
     auto drawing = std::make_unique<seam::WorkbenchDatabase>(db::Database::createNew());
@@ -78,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)db.appendEntity(db.modelSpace(), db::newCircle(db, {10, 10, 0}, 2));
     host.openDocument(std::move(drawing));
 
-    host.commandLine().input().append(host::fromUtf8(std::string(reinterpret_cast<const char*>(data), size)));
+    host.commandLine().input().append(host::fromUtf8(typedInput(data, size)));
     // Every step reads at least one character or ends the input, so this ends.
     while (host.commandLine().step()) {
     }

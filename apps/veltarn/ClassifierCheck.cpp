@@ -1,10 +1,9 @@
 #include "ClassifierCheck.h"
 
-#include <fstream>
-
 #include "classifier/ClassifierReader.h"
 #include "classifier/DrawingResources.h"
 #include "host/Format.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::app {
@@ -13,7 +12,10 @@ ClassifierCheck checkClassifier(seam::WorkbenchHost& host, const std::filesystem
                                 const std::function<void(const std::wstring&)>& print) {
     ClassifierCheck check;
     // The reader is silent about a file it cannot open; the caller has to say so itself.
-    check.opened = std::ifstream(file).is_open();
+    const host::FileBytes checked = host::checkRegularFile(file.string());
+    check.opened = checked.ok();
+    if (checked.problem == host::FileProblem::kCannotOpen) check.problem = file.string() + ": cannot open the classifier";
+    else check.problem = checked.error;
     host::Database* drawing = host.workingDatabase();
     if (check.opened && drawing) {
         DrawingResources resources(host, *drawing);

@@ -12,6 +12,7 @@ namespace veltarn::app {
 
 struct ClassifierCheck {
     bool opened = false;  // false: the file could not be opened, and the reader said nothing
+    std::string problem;  // why not: "roads.txt: is a directory", "roads.txt: cannot open: ..."
     bool failed = false;  // reading stopped on an error (or the file could not be opened)
     int classes = 0, objects = 0, tables = 0;  // all 0 after an error
 };

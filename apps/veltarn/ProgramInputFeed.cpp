@@ -1,13 +1,14 @@
 #include "ProgramInputFeed.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
+#include "cad/commands/HostSession.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 #ifdef VELTARN_HAVE_LIBEDIT
@@ -56,24 +57,48 @@ std::optional<std::wstring> takeInterrupt() {
 
 }  // namespace
 
-dxf::Result<LineSource> feedOfInputs(const std::vector<ProgramInput>& inputs) {
+dxf::Result<ScriptFeed> feedOfInputs(const std::vector<ProgramInput>& inputs) {
     std::string all;
+    // Where each script's bytes end in `all`, with the script's identity.
+    std::vector<std::pair<std::size_t, std::wstring>> scripts;
     for (const ProgramInput& input : inputs) {
         if (input.kind == ProgramInput::Kind::kCommand) {
             all += input.value;
             continue;
         }
-        std::ifstream in(input.value, std::ios::binary);
-        if (!in) return dxf::makeError(input.value + ": cannot read the script");
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
-        std::string text = bytes.str();
+        host::FileBytes read = host::readRegularFile(input.value, host::kMaxTextFileBytes);
+        if (read.problem == host::FileProblem::kCannotOpen) return dxf::makeError(input.value + ": cannot read the script");
+        if (!read.ok()) return dxf::makeError(read.error);
+        std::string text = std::move(read.bytes);
         if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
         // Each script ends its last line, so that the next piece starts on a line of its own.
         if (!text.empty() && text.back() != '\n') text += '\n';
+        const std::size_t start = all.size();
         all += text;
+        scripts.emplace_back(start, cad::scriptIdentity(input.value));
+        scripts.emplace_back(all.size(), std::wstring());
     }
-    return linesOf(host::fromUtf8(all));
+    // The lines are handed out of the decoded text, whose offsets differ from the bytes'; line ends
+    // decode one to one, so each line's script is known by its number: the script that holds its end.
+    auto lineScripts = std::make_shared<std::vector<std::wstring>>();
+    std::size_t piece = 0;
+    std::wstring current;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        while (piece < scripts.size() && scripts[piece].first <= i) current = scripts[piece++].second;
+        if (all[i] == '\n') lineScripts->push_back(current);
+    }
+    lineScripts->push_back(current);
+    auto handedOut = std::make_shared<std::size_t>(0);
+    LineSource lines = [source = linesOf(host::fromUtf8(all)), handedOut]() mutable -> std::optional<std::wstring> {
+        std::optional<std::wstring> line = source();
+        if (line) ++*handedOut;
+        return line;
+    };
+    auto script = [lineScripts, handedOut]() -> std::wstring {
+        if (*handedOut == 0) return {};
+        return (*lineScripts)[std::min(*handedOut, lineScripts->size()) - 1];
+    };
+    return ScriptFeed{std::move(lines), std::move(script)};
 }
 
 LineSource feedOfStandardInput() {

@@ -14,9 +14,17 @@ namespace veltarn::app {
 
 using LineSource = std::function<std::optional<std::wstring>()>;
 
+// Lines, and which script the last line handed out came from (its identity as SCRIPT knows it,
+// empty for a command text), so that a script cannot start itself.
+struct ScriptFeed {
+    LineSource lines;
+    std::function<std::wstring()> script;
+};
+
 // The scripts (read whole now, a byte-order mark dropped) and command texts in the order given,
-// one line at a time. Fails naming the first script that cannot be read.
-dxf::Result<LineSource> feedOfInputs(const std::vector<ProgramInput>& inputs);
+// one line at a time. Fails naming the first script that cannot be read: one that is no regular
+// file ("is a directory", "is a FIFO", "is a device") or larger than host::kMaxTextFileBytes.
+dxf::Result<ScriptFeed> feedOfInputs(const std::vector<ProgramInput>& inputs);
 
 // Standard input, one line at a time, to its end.
 LineSource feedOfStandardInput();

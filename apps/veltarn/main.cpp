@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
         workbench.openDocument(std::move(drawing));
         const app::ClassifierCheck check = app::checkClassifier(workbench, *options.checkClassifier,
                                                                 [&workbench](const std::wstring& text) { workbench.editor().print(text); });
-        if (!check.opened) return fail(app::kExitFileError, *options.checkClassifier + ": cannot open the classifier");
+        if (!check.opened) return fail(app::kExitFileError, check.problem);
         if (options.saveAs) {
             if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
         }
@@ -111,10 +111,12 @@ int main(int argc, char** argv) {
     const bool interactive = options.inputs.empty() && ::isatty(STDIN_FILENO);
     Transcript transcript(interactive);
     app::LineSource source;
+    editor::CommandInput::SourceScript sourceScript;
     if (!options.inputs.empty()) {
         auto feed = app::feedOfInputs(options.inputs);
         if (!feed) return fail(app::kExitFileError, feed.message());
-        source = std::move(feed.value());
+        source = std::move(feed->lines);
+        sourceScript = std::move(feed->script);
     } else if (interactive) {
         source = app::feedOfTerminal([&transcript] { return transcript.takePrompt(); });
     } else {
@@ -142,7 +144,7 @@ int main(int argc, char** argv) {
     editor::CommandLine& commandLine = workbench.commandLine();
     // A person at a terminal sees the typing; a script's transcript shows each answer after its prompt.
     commandLine.setEcho(!interactive);
-    commandLine.input() = editor::CommandInput(std::move(source));
+    commandLine.input() = editor::CommandInput(std::move(source), std::move(sourceScript));
     while (!session.quitRequested && commandLine.step()) {
     }
 
@@ -151,7 +153,11 @@ int main(int argc, char** argv) {
     veltarnEntryPoint(AppMessage::kUnloadApp, workbench);
     transcript.flush();
 
-    if (options.saveAs) return save(workbench, *options.saveAs);
+    if (options.saveAs) {
+        if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
+    }
+    // A save the commands asked for failed: its message is in the transcript, the status says so.
+    if (!session.saveError.empty()) return fail(app::kExitFileError, session.saveError);
     return app::kExitOk;
 }
 

@@ -3,41 +3,40 @@
 #include "base/Trim.h"
 #include "host/Utf8.h"
 
-#include <cstdio>
-#include <memory>
+#include "host/RegularFile.h"
+
+#include <algorithm>
 
 namespace veltarn {
 
 bool ClassifierLines::open(const std::wstring& path) {
-    text_.clear();
+    line_.clear();
+    piece_ = 0;
     position_ = 0;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(host::toUtf8(path).c_str(), "rb"), &std::fclose);
-    if (!file) return false;
-    std::string bytes;
-    char buffer[65536];
-    std::size_t got;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, got);
-    if (std::ferror(file.get())) return false;  // a folder opens but does not read
-
-    std::wstring decoded = host::fromUtf8(bytes);
-    std::size_t start = !decoded.empty() && decoded.front() == L'\uFEFF' ? 1 : 0;
-    // Text mode: a CR that ends a line is not part of it.
-    text_.reserve(decoded.size());
-    for (std::size_t i = start; i < decoded.size(); ++i) {
-        if (decoded[i] == L'\r' && i + 1 < decoded.size() && decoded[i + 1] == L'\n') continue;
-        text_.push_back(decoded[i]);
-    }
+    // Only a regular file: a folder, a FIFO or a device is no classifier.
+    host::FileBytes file = host::readRegularFile(host::toUtf8(path), host::kMaxTextFileBytes);
+    bytes_ = std::move(file.bytes);
+    if (!file.ok()) return false;
+    if (bytes_.starts_with("\xEF\xBB\xBF")) position_ = 3;
     return true;
 }
 
 bool ClassifierLines::next(std::wstring_view& line) {
-    if (position_ >= text_.size()) return false;
-    std::size_t limit = std::min(text_.size() - position_, kBufferSize - 1);
-    std::wstring_view rest(text_.data() + position_, limit);
-    std::size_t end = rest.find(L'\n');
-    std::size_t length = end == std::wstring_view::npos ? limit : end + 1;
-    line = rest.substr(0, length);
-    position_ += length;
+    if (piece_ >= line_.size()) {
+        if (position_ >= bytes_.size()) return false;
+        // A line end never lies inside a UTF-8 sequence, so decoding line by line decodes as the
+        // whole file would.
+        std::size_t end = bytes_.find('\n', position_);
+        end = end == std::string::npos ? bytes_.size() : end + 1;
+        line_ = host::fromUtf8(std::string_view(bytes_).substr(position_, end - position_));
+        position_ = end;
+        piece_ = 0;
+        // Text mode: a CR that ends a line is not part of it.
+        if (line_.size() >= 2 && line_.back() == L'\n' && line_[line_.size() - 2] == L'\r') line_.erase(line_.size() - 2, 1);
+    }
+    const std::size_t length = std::min(line_.size() - piece_, kBufferSize - 1);
+    line = std::wstring_view(line_).substr(piece_, length);
+    piece_ += length;
     return true;
 }
 

@@ -15,15 +15,20 @@ class ClassifierLines {
 public:
     static constexpr std::size_t kBufferSize = 10240;
 
-    // False when the file cannot be opened or read.
+    // False when the file cannot be opened or read: one that is no regular file, or is larger
+    // than host::kMaxTextFileBytes.
     bool open(const std::wstring& path);
     // Sets `line` to the next piece (line end included when it has one); false at the end. The
-    // view stays valid while this object lives.
+    // view stays valid until the next call.
     bool next(std::wstring_view& line);
 
 private:
-    std::wstring text_;
-    std::size_t position_ = 0;
+    // The file's bytes, decoded a line at a time: the whole file decoded would take four times
+    // its size again.
+    std::string bytes_;
+    std::size_t position_ = 0;  // in bytes_
+    std::wstring line_;         // the decoded line that pieces are handed out of
+    std::size_t piece_ = 0;     // in line_
 };
 
 // The columns of one line: everything from the first "#" dropped; split at tabs, a run of tabs

@@ -8,6 +8,7 @@
 #include "host/Format.h"
 #include "host/LowerCase.h"
 #include "host/NumberRules.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 #include "res/StringTable.h"
 
@@ -31,12 +32,8 @@ bool isGoodName(std::wstring_view name, std::size_t maxLength) {
     return !name.empty() && name.size() <= maxLength && name.find_first_of(kRefusedNameChars) == std::wstring_view::npos;
 }
 
-bool canOpen(const std::wstring& path) {
-    std::FILE* file = std::fopen(host::toUtf8(path).c_str(), "r");
-    if (!file) return false;
-    std::fclose(file);
-    return true;
-}
+// A regular file that opens; a FIFO would block a plain open, a device would read for ever.
+bool canOpen(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
 
 // The kinds in the order the missing-resource warnings are given.
 constexpr std::pair<ResourceKind, StringId> kMissingWarnings[] = {
@@ -121,6 +118,10 @@ private:
         say(id, args...);
         return false;
     }
+    bool expansionTooLong() {
+        return fail(StringId::kReaderExpansionTooLong, line_, static_cast<int>(MacroTable::kMaxLength),
+                    static_cast<int>(MacroTable::kMaxExpansions));
+    }
 
     const ClassifierReader::Print& print_;
     const host::SystemVariables* variables_;
@@ -132,12 +133,14 @@ private:
     ClassDef object_;            // empty name: no object is current
     std::wstring lastRecorded_;  // key last added to a member list
     std::optional<TableDef> table_;
+    std::set<std::wstring> tableFields_;  // the lower-cased field names of table_, for redefinitions
     std::vector<ClassNode*> stack_;  // root first; pointers stay valid because only the top grows
     std::set<std::wstring> nodeNames_;
     bool classFlag_ = true;
     bool autoconst_ = false;
     MacroTable macros_;
-    std::vector<TableDef> fileTables_;
+    // The file's tables by lower-cased name: only tables of one name can conflict.
+    std::map<std::wstring, std::vector<TableDef>> fileTables_;
     std::map<std::wstring, DependencyFile> dependencies_;  // by lower-cased path
 };
 
@@ -153,7 +156,12 @@ bool Run::read(ClassifierLines& lines) {
 }
 
 bool Run::dispatch(Columns& columns) {
-    for (auto& column : columns) column = macros_.expand(std::move(column));
+    std::size_t length = 0;
+    for (auto& column : columns) {
+        std::optional<std::wstring> expanded = macros_.expand(std::move(column));
+        if (!expanded || (length += expanded->size()) > MacroTable::kMaxLength) return expansionTooLong();
+        column = std::move(*expanded);
+    }
     keyword_ = host::toLower(columns.front());
     const auto& table = keywords();
     auto handler = table.find(keyword_);
@@ -253,13 +261,17 @@ bool Run::finishTable() {
     } else if (drawing_ && !drawing_->tableMatches(table)) {
         return fail(StringId::kReaderTableMismatch, line_, table.name);
     }
-    bool known = std::any_of(fileTables_.begin(), fileTables_.end(),
-                             [&](const TableDef& other) { return other.isIdenticalTo(table); });
-    if (!known) {
-        for (const auto& other : fileTables_) {
+    std::vector<TableDef>& sameName = fileTables_[host::toLower(table.name)];
+    auto known = std::find_if(sameName.begin(), sameName.end(),
+                              [&](const TableDef& other) { return other.isIdenticalTo(table); });
+    if (known == sameName.end()) {
+        for (const auto& other : sameName) {
             if (!table.isCompatibleWith(other)) return fail(StringId::kReaderTableConflict, line_, table.name);
         }
-        fileTables_.push_back(table);
+        sameName.push_back(table);
+    } else {
+        // The same fields as a table before: share them rather than keep another copy.
+        table.fields = known->fields;
     }
     object_.tables.push_back(std::move(table));
     return true;
@@ -270,6 +282,7 @@ bool Run::onOdName(const Columns& c) {
     if (c.size() != 2 || !isGoodName(c[1], kMaxTableNameLength)) return fail(StringId::kReaderInvalidOdName, line_);
     if (!finishTable()) return false;
     table_ = TableDef{c[1], {}};
+    tableFields_.clear();
     return true;
 }
 
@@ -277,6 +290,7 @@ bool Run::onOdKey(const Columns& c) {
     if (!table_) return fail(StringId::kReaderOdNameUndefined, line_);
     if (c.size() != 2 || !isGoodName(c[1], kMaxFieldNameLength)) return fail(StringId::kReaderInvalidOdKey, line_);
     table_->fields.push_back(makeKeyField(c[1]));
+    tableFields_.insert(host::toLower(c[1]));
     return true;
 }
 
@@ -305,7 +319,7 @@ bool Run::onOdFld(const Columns& c) {
     if (c.size() < 4 || c.size() > 6 || !isGoodName(c[1], kMaxFieldNameLength) || attributes.type == FieldType::None) {
         return fail(StringId::kReaderInvalidOdFld, line_);
     }
-    if (table_->findField(c[1])) return fail(StringId::kReaderRedefinitionOdFld, line_, c[1]);
+    if (!tableFields_.insert(host::toLower(c[1])).second) return fail(StringId::kReaderRedefinitionOdFld, line_, c[1]);
 
     FieldDef field;
     field.name = c[1];
@@ -318,7 +332,9 @@ bool Run::onOdFld(const Columns& c) {
     };
     std::wstring defaultText;
     if (c.size() >= 5) {
-        defaultText = fieldText(c[4]);
+        std::optional<std::wstring> expanded = fieldText(c[4]);
+        if (!expanded) return expansionTooLong();
+        defaultText = std::move(*expanded);
         field.kind = ValueKind::Default;
     }
     if (c.size() == 6) {
@@ -326,7 +342,11 @@ bool Run::onOdFld(const Columns& c) {
         std::vector<std::wstring> items = splitValues(c[5], colons);
         if (colons == 1 && items.size() != 2) return fail(StringId::kReaderInvalidOdFld, line_);
         field.kind = colons == 1 ? ValueKind::Range : ValueKind::List;
-        for (const auto& item : items) field.values.push_back(fieldText(item));
+        for (const auto& item : items) {
+            std::optional<std::wstring> expanded = fieldText(item);
+            if (!expanded) return expansionTooLong();
+            field.values.push_back(std::move(*expanded));
+        }
     }
     if (!defaultText.empty()) {
         switch (field.type) {

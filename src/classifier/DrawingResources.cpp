@@ -5,6 +5,7 @@
 #include "classifier/SupportFileText.h"
 #include "classifier/UserPatternFiles.h"
 #include "host/LowerCase.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 #include <algorithm>
@@ -44,12 +45,8 @@ bool contains(const std::vector<std::wstring>& names, const std::wstring& name) 
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool canOpen(const std::wstring& path) {
-    std::FILE* file = std::fopen(host::toUtf8(path).c_str(), "r");
-    if (!file) return false;
-    std::fclose(file);
-    return true;
-}
+// A regular file that opens; a FIFO would block a plain open, a device would read for ever.
+bool canOpen(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
 
 std::wstring folderOf(const std::wstring& path) {
     std::size_t separator = path.find_last_of(L"/\\");

@@ -4,7 +4,9 @@
 #include "host/LowerCase.h"
 #include "host/Utf8.h"
 
-#include <fstream>
+#include "host/RegularFile.h"
+
+#include <sstream>
 
 namespace veltarn {
 namespace {
@@ -14,8 +16,9 @@ bool isComment(std::wstring_view line) { return !line.empty() && line.front() ==
 }  // namespace
 
 bool readTextLines(const std::wstring& path, std::vector<std::wstring>& lines) {
-    std::ifstream in(host::toUtf8(path), std::ios::binary);
-    if (!in) return false;
+    host::FileBytes file = host::readRegularFile(host::toUtf8(path), host::kMaxSupportFileBytes);
+    if (!file.ok()) return false;
+    std::istringstream in(std::move(file.bytes));
     std::string line;
     bool first = true;
     while (std::getline(in, line)) {

@@ -9,7 +9,7 @@
 namespace veltarn {
 
 // The lines of a UTF-8 text file (byte-order mark dropped, line ends removed); false when the file
-// cannot be opened.
+// cannot be opened, is no regular file or is larger than host::kMaxSupportFileBytes.
 bool readTextLines(const std::wstring& path, std::vector<std::wstring>& lines);
 
 // The name of a header line ("*NAME,description", leading blanks allowed), empty for other lines.

@@ -2,7 +2,10 @@
 
 #include "classifier/SupportFileText.h"
 #include "host/LowerCase.h"
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
+
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <set>
@@ -13,12 +16,7 @@ namespace {
 constexpr wchar_t kAcadPat[] = L"/acad.pat";
 constexpr wchar_t kAcadIsoPat[] = L"/acadiso.pat";
 
-bool canRead(const std::wstring& path) {
-    std::FILE* file = std::fopen(host::toUtf8(path).c_str(), "r");
-    if (!file) return false;
-    std::fclose(file);
-    return true;
-}
+bool canRead(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
 
 }  // namespace
 
@@ -39,6 +37,10 @@ std::wstring userSupportFolder(const std::wstring& supportPath) {
 }
 
 bool appendPatterns(const std::wstring& path, const std::vector<std::wstring>& definitions) {
+    // Appended to only when it is a regular file: a FIFO or a device in its place would hang the
+    // read below or never end it. A missing file is made.
+    struct stat status {};
+    if (::stat(host::toUtf8(path).c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return false;
     std::FILE* file = std::fopen(host::toUtf8(path).c_str(), "a+");
     if (!file) return false;
     // Read from the start; writes in append mode still go to the end.

@@ -66,6 +66,8 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     entries_.clear();
     position_ = 0;
     records_ = {};
+    chain_.clear();
+    chainRead_ = false;
     definition_ = {};
     offset_ = 0;
     fieldCount_ = 0;
@@ -136,9 +138,14 @@ int ObjectData::read(ObjectDataRecord& record) {
     }
     fieldCount_ = static_cast<std::int32_t>(record.fields.size());
 
-    auto xrecord = db_.openXrecord(records_, OpenMode::kRead);
-    if (!xrecord) return kOdCannotRead;
-    host::ResultBuffer chain = xrecord->data();
+    // The chain is read once per walk: reading it for every record made a walk quadratic.
+    if (!chainRead_) {
+        auto xrecord = db_.openXrecord(records_, OpenMode::kRead);
+        if (!xrecord) return kOdCannotRead;
+        chain_ = xrecord->data();
+        chainRead_ = true;
+    }
+    const host::ResultBuffer& chain = chain_;
     for (std::size_t i = 0; i < record.fields.size() && offset_ + i < chain.size(); ++i) {
         readStoredValue(chain[offset_ + i], record.fields[i]);
     }
@@ -157,6 +164,8 @@ int ObjectData::update(const ObjectDataRecord& record) {
         updatedForm(record.fields[i], chain[offset_ + i]);
     }
     if (!xrecord->setData(chain)) return kOdNoData;
+    chain_ = std::move(chain);
+    chainRead_ = true;
     return kOdOk;
 }
 
@@ -173,6 +182,7 @@ int ObjectData::remove() {
     std::size_t last = std::min(offset_ + fieldCount, chain.size());
     chain.erase(chain.begin() + static_cast<std::ptrdiff_t>(first), chain.begin() + static_cast<std::ptrdiff_t>(last));
     end_ = true;
+    chainRead_ = false;
     if (!chain.empty()) return xrecord->setData(chain) ? kOdOk : kOdNoData;
 
     // The last record: the entry, the extension dictionary if nothing else is in it, the xrecord.

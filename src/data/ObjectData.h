@@ -90,6 +90,11 @@ private:
     std::vector<host::DbDictionary::Entry> entries_;  // the iteration over the dictionary
     std::size_t position_ = 0;
     host::ObjectId records_;
+    // The records xrecord's chain, read by the first read() after open() and kept through the
+    // walk (update() keeps it current); changes made other than through this cursor show after
+    // the next open().
+    host::ResultBuffer chain_;
+    bool chainRead_ = false;
     host::ObjectId definition_;  // of the current entry's table, looked up when the cursor opens
     std::size_t offset_ = 0;
     std::int32_t fieldCount_ = 0;

@@ -112,9 +112,12 @@ enum class StringId : int {
     kCaptionAbout = 191,
     kAboutText = 192,
     kUnknownName = 193,                 // "unknown": computer or user name that is not known
+
+    // limits of the workbench's own
+    kReaderExpansionTooLong = 194,      // "%i: error: macros expand the line too far ..."
 };
 
 inline constexpr int kFirstStringId = 100;
-inline constexpr int kLastStringId = 194;
+inline constexpr int kLastStringId = 195;
 
 }  // namespace veltarn

@@ -125,6 +125,9 @@ constexpr Entry kEntries[] = {
      L"This program is provided as is, without warranty of any kind. Check your drawings\n"
      L"before you rely on them."},
     {StringId::kUnknownName, L"unknown"},
+
+    {StringId::kReaderExpansionTooLong,
+     L"%i: error: macros expand the line too far (more than %i characters or %i replacements)\n"},
 };
 
 constexpr std::size_t kSlots = kLastStringId - kFirstStringId + 1;

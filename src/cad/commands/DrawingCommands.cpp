@@ -20,6 +20,7 @@ bool saveTo(HostSession& session, const std::wstring& path) {
     seam::writeHeaderVariables(drawing->raw(), session.host.variables());
     if (auto saved = drawing->raw().save(file); !saved) {
         session.host.editor().print(L"Error: " + seam::wide(saved.message()) + L"\n");
+        if (session.saveError.empty()) session.saveError = saved.message();
         return false;
     }
     // An R12 drawing given object data or draw order was saved as 2018: the user should know.
@@ -37,6 +38,11 @@ bool saveAs(HostSession& session) {
     request.initialPath = document->fileName();
     request.confirmOverwrite = true;
     std::optional<std::wstring> path = session.host.dialogs().saveFile(request);
+    // A path that cannot be saved to is a failed save; a cancelled prompt is not.
+    if (const std::wstring& refusal = session.host.commandLineDialogs().saveRefusal();
+        !path && !refusal.empty() && session.saveError.empty()) {
+        session.saveError = seam::narrow(refusal);
+    }
     return path && saveTo(session, *path);
 }
 

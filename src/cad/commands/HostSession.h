@@ -14,6 +14,9 @@ struct HostSession {
     seam::WorkbenchHost& host;
     // Set by QUIT: the program stops reading input.
     bool quitRequested = false;
+    // The message of the first SAVE or SAVEAS that failed on its file: a batch run must not end
+    // as if the drawing had been saved.
+    std::string saveError;
     // Extra lines LIST prints for an entity after its extension dictionary (the module's object
     // data in readable form); empty text adds nothing.
     std::function<std::wstring(host::Database&, host::ObjectId)> listObjectData;
@@ -33,5 +36,9 @@ void registerListCommand(HostSession& session);        // LIST
 void registerLayerCommand(HostSession& session);       // -LAYER
 void registerScriptCommand(HostSession& session);      // SCRIPT
 void registerHelpCommand(HostSession& session);        // HELP
+
+// What a script is known by when it might start itself: its canonical path (the path as given
+// when that cannot be found), so that "./a.scr" and a symlink to it are the same script.
+std::wstring scriptIdentity(const std::string& path);
 
 }  // namespace veltarn::cad

@@ -4,13 +4,13 @@
 #include "cad/dxf/SectionChecker.h"
 #include "cad/dxf/TagScanners.h"
 #include "cad/dxf/TagStream.h"
+#include "host/RegularFile.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 
 namespace veltarn::dxf {
 namespace {
@@ -25,17 +25,9 @@ T readLittleEndian(const char* at) {
 }  // namespace
 
 Result<std::string> TagFile::readBytes(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return makeError(path.string() + ": cannot open: " + std::strerror(errno));
-    std::error_code ec;
-    auto size = std::filesystem::file_size(path, ec);
-    if (ec) return makeError(path.string() + ": cannot read: " + ec.message());
-    if (size >= 0xFFFFFFF0u) return makeError(path.string() + ": the file is larger than 4 GiB, which DXF files here may not be");
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    in.read(bytes.data(), static_cast<std::streamsize>(size));
-    if (static_cast<std::uintmax_t>(in.gcount()) != size)
-        return makeError(path.string() + ": cannot read: " + (in.bad() ? std::strerror(errno) : "the file changed while it was read"));
-    return bytes;
+    host::FileBytes file = host::readRegularFile(path.string(), host::kMaxDrawingBytes);
+    if (!file.ok()) return makeError(std::move(file.error));
+    return std::move(file.bytes);
 }
 
 Result<TagFile> TagFile::load(const std::filesystem::path& path) {

@@ -21,7 +21,22 @@ void CommandInput::append(const std::wstring& text) { primary_.insert(primary_.e
 
 void CommandInput::queue(const std::wstring& text) { queued_.insert(queued_.end(), text.begin(), text.end()); }
 
-void CommandInput::queueFirst(const std::wstring& text) { queued_.insert(queued_.begin(), text.begin(), text.end()); }
+void CommandInput::queueFirst(const std::wstring& text) {
+    // What was queued before, running scripts' rest included, now ends later.
+    for (RunningScript& script : scripts_) script.end += text.size();
+    queued_.insert(queued_.begin(), text.begin(), text.end());
+}
+
+void CommandInput::queueScript(const std::wstring& text, const std::wstring& script) {
+    queueFirst(text);
+    scripts_.push_back({script, queuedRead_ + text.size()});
+}
+
+bool CommandInput::scriptRunning(const std::wstring& script) const {
+    for (const RunningScript& running : scripts_)
+        if (running.name == script) return true;
+    return sourceScript_ && !script.empty() && sourceScript_() == script;
+}
 
 std::optional<wchar_t> CommandInput::peek() {
     if (!queued_.empty()) return queued_.front();
@@ -38,8 +53,15 @@ std::optional<wchar_t> CommandInput::peek() {
 }
 
 void CommandInput::pop() {
-    if (!queued_.empty()) queued_.pop_front();
-    else if (!primary_.empty()) primary_.pop_front();
+    if (!queued_.empty()) {
+        queued_.pop_front();
+        ++queuedRead_;
+        while (!scripts_.empty() && scripts_.back().end < queuedRead_) scripts_.pop_back();
+    } else if (!primary_.empty()) {
+        primary_.pop_front();
+        // Every queued script has been read to its end and past it.
+        scripts_.clear();
+    }
 }
 
 void CommandInput::popLineEnd(wchar_t first) {

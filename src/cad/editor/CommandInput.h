@@ -1,10 +1,12 @@
 // The command line's one input stream: typed or scripted text, and text queued by commands.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace veltarn::editor {
 
@@ -27,9 +29,13 @@ class CommandInput {
 public:
     // Returns the next line of the primary source, its line end included; nullopt at its end.
     using LineSource = std::function<std::optional<std::wstring>()>;
+    // The script the primary source's last line came from (what scriptRunning() compares), empty
+    // for a line that is no script's.
+    using SourceScript = std::function<std::wstring()>;
 
     CommandInput() = default;
-    explicit CommandInput(LineSource source) : source_(std::move(source)) {}
+    explicit CommandInput(LineSource source, SourceScript script = nullptr)
+        : source_(std::move(source)), sourceScript_(std::move(script)) {}
 
     // Adds text to the primary input, after what is there ("\n" is Enter).
     void append(const std::wstring& text);
@@ -38,6 +44,12 @@ public:
     // Adds text to the front of the queue, before all other input: a script started from a script
     // runs at once, and the rest of the outer one after it.
     void queueFirst(const std::wstring& text);
+    // queueFirst() for the text of the script `script`, which counts as running until input past
+    // its end is read: through the command that its last line starts.
+    void queueScript(const std::wstring& text, const std::wstring& script);
+    // True while `script` runs, from the queue or the primary source; a script that starts itself,
+    // directly or through others, would never end.
+    bool scriptRunning(const std::wstring& script) const;
     // True when queued text is waiting.
     bool hasQueued() const { return !queued_.empty(); }
     // The next character after spaces and tabs, which are consumed; nullopt at the end. Pulls a
@@ -60,7 +72,16 @@ private:
     // Consumes a line end that starts with `first`: "\n", "\r\n" or a lone "\r".
     void popLineEnd(wchar_t first);
 
+    // A queued script and the count of queued characters read once its last one has been.
+    struct RunningScript {
+        std::wstring name;
+        std::uint64_t end = 0;
+    };
+
     LineSource source_;
+    SourceScript sourceScript_;
+    std::vector<RunningScript> scripts_;  // outermost first; the innermost ends first
+    std::uint64_t queuedRead_ = 0;
     std::deque<wchar_t> queued_;
     std::deque<wchar_t> primary_;
 };

@@ -133,7 +133,14 @@ bool CommandLine::inPaperSpace() const {
     return tilemode && tilemode->integer == 0;
 }
 
+bool CommandLine::mayNest(const std::wstring& name) {
+    if (frames_.size() + variablePrompts_ < kMaxNesting) return true;
+    print(name + host::format(L": cancelled, commands nest at most %i deep.\n", static_cast<int>(kMaxNesting)));
+    return false;
+}
+
 CommandLine::Outcome CommandLine::execute(const Command& command, const std::wstring& name) {
+    if (!mayNest(name)) return Outcome::kRefused;
     if ((command.flags & host::CommandFlags::kNoPaperSpace) && inPaperSpace()) {
         print(L"Command not allowed in a layout: " + name + L"\n");
         return Outcome::kRefused;
@@ -236,8 +243,15 @@ void CommandLine::promptVariable(const std::wstring& name) {
         print(key + L" = " + variables_.display(*value) + L" (read only)\n");
         return;
     }
+    if (!mayNest(key)) return;
     const bool text = value->type == host::VariableType::kString;
     std::wstring answer;
+    // Counted while it waits, also when what runs inside it throws.
+    struct Counted {
+        std::size_t& count;
+        explicit Counted(std::size_t& c) : count(c) { ++count; }
+        ~Counted() { --count; }
+    } counted(variablePrompts_);
     const host::PromptStatus status =
         getString(L"Enter new value for " + key + L" <" + variables_.display(*value) + L">: ", text, answer);
     if (status != host::PromptStatus::kNormal || answer.empty()) return;

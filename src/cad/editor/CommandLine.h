@@ -17,6 +17,10 @@ namespace veltarn::editor {
 
 class CommandLine : public host::Editor {
 public:
+    // Commands (and variable prompts) run inside each other at most this deep, the outermost
+    // command included: "'GETVAR" typed at each prompt of the one before must not use up the stack.
+    static constexpr std::size_t kMaxNesting = 16;
+
     using Output = std::function<void(const std::wstring&)>;
     // Object selection in the modes that need the drawing; set by whoever owns the drawing.
     using Selector = std::function<host::PromptStatus(host::SelectionMode, std::vector<host::ObjectId>&)>;
@@ -79,6 +83,8 @@ private:
     Answer readAnswer(const std::wstring& prompt, bool allowSpaces);
     host::PromptStatus statusOf(const Answer& answer);
     Outcome execute(const Command& command, const std::wstring& name);
+    // False, with a message, when running `name` inside what runs now would nest too deep.
+    bool mayNest(const std::wstring& name);
     void promptVariable(const std::wstring& name);
     void callFunction(const std::wstring& expression);
     void notify(void (host::EditorReactor::*event)(const std::wstring&), const std::wstring& name);
@@ -93,6 +99,7 @@ private:
     Selector selector_;
     bool echo_ = true;
     int quiet_ = 0;  // > 0 while a nested command runs with CMDECHO 0
+    std::size_t variablePrompts_ = 0;  // variable prompts running, which nest like commands
     std::vector<Frame> frames_;
     std::vector<std::wstring> held_;
     std::deque<host::TypedValue> feed_;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::editor {
@@ -33,23 +34,31 @@ std::optional<std::wstring> CommandLineDialogs::openFile(const host::FileDialogR
     std::optional<std::wstring> path = askPath(L"Enter name of file to open", request);
     if (!path) return std::nullopt;
     std::error_code error;
-    if (!fs::is_regular_file(toPath(*path), error)) {
+    if (!fs::exists(toPath(*path), error)) {
         editor_.print(L"File not found: " + *path + L"\n");
+        return std::nullopt;
+    }
+    // A folder, a FIFO or a device is there but is no file to read: say what it is.
+    if (const host::FileBytes checked = host::checkRegularFile(host::toUtf8(*path)); !checked.ok()) {
+        editor_.print(host::fromUtf8(checked.error) + L"\n");
         return std::nullopt;
     }
     return path;
 }
 
 std::optional<std::wstring> CommandLineDialogs::saveFile(const host::FileDialogRequest& request) {
+    saveRefusal_.clear();
     std::optional<std::wstring> path = askPath(L"Enter name of file to save", request);
     if (!path) return std::nullopt;
     const fs::path file = toPath(*path);
     std::error_code error;
     if (!fs::is_directory(file.parent_path(), error)) {
+        saveRefusal_ = fromPath(file.parent_path()) + L": folder not found";
         editor_.print(L"Folder not found: " + fromPath(file.parent_path()) + L"\n");
         return std::nullopt;
     }
     if (fs::is_directory(file, error)) {
+        saveRefusal_ = *path + L": is a directory";
         editor_.print(L"Not a file: " + *path + L"\n");
         return std::nullopt;
     }

@@ -19,6 +19,10 @@ public:
     // "Enter name of file to save <initial>: ". The folder must exist; an existing file is replaced
     // only after "Replace it? [Yes/No] <No>: " is answered Yes, when the request asks for that.
     std::optional<std::wstring> saveFile(const host::FileDialogRequest& request) override;
+    // Why the last saveFile() gave nullopt when a path was typed that cannot be saved to, as an
+    // error message ("/a/b: folder not found", "/a/b.dxf: is a directory"): a failed save, not a
+    // cancel. Empty otherwise.
+    const std::wstring& saveRefusal() const { return saveRefusal_; }
     // The title on a line of its own, then the text.
     void textBox(const std::wstring& title, const std::wstring& text, int width, int height) override;
 
@@ -26,6 +30,7 @@ private:
     std::optional<std::wstring> askPath(const std::wstring& prompt, const host::FileDialogRequest& request);
 
     host::Editor& editor_;
+    std::wstring saveRefusal_;
 };
 
 }  // namespace veltarn::editor

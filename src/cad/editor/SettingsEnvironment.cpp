@@ -5,6 +5,7 @@
 #include <sstream>
 #include <vector>
 
+#include "host/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::editor {
@@ -14,7 +15,8 @@ constexpr char kSupportPathKey[] = "supportPath";
 
 std::vector<std::string> readLines(const std::filesystem::path& file) {
     std::vector<std::string> lines;
-    std::ifstream in(file, std::ios::binary);
+    // A settings file that cannot be read is no settings file: the defaults hold.
+    std::istringstream in(host::readRegularFile(file.string(), host::kMaxSettingsBytes).bytes);
     std::string line;
     while (std::getline(in, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();

@@ -59,6 +59,8 @@ public:
     host::Environment& environment() override { return environment_; }
     host::Dialogs& dialogs() override { return dialogs_; }
     host::Palettes& palettes() override { return palettes_; }
+    // The same dialogs, with what the workbench's own commands ask of them beyond the seam.
+    editor::CommandLineDialogs& commandLineDialogs() { return dialogs_; }
     host::Database* workingDatabase() override;
     // Any path is read as DXF, so ".dxf", ".dwg" and ".dwt" paths that hold DXF load; a real DWG
     // file, a missing file or a damaged one gives null.

@@ -2,18 +2,16 @@
 
 #include <cctype>
 #include <charconv>
-#include <fstream>
-#include <iterator>
+
+#include "host/RegularFile.h"
 
 #include "base/Wildcard.h"
 
 namespace veltarn::support {
 Result<SupportText> SupportText::load(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return dxf::makeError(path.string() + ": cannot open the file");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) return dxf::makeError(path.string() + ": cannot read the file");
-    return SupportText(std::move(text), path.string());
+    host::FileBytes file = host::readRegularFile(path.string(), host::kMaxSupportFileBytes);
+    if (!file.ok()) return dxf::makeError(std::move(file.error));
+    return SupportText(std::move(file.bytes), path.string());
 }
 
 SupportText::SupportText(std::string text, std::string name) : text_(std::move(text)), name_(std::move(name)) {
