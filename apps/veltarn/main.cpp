@@ -9,11 +9,9 @@
 #include "ClassifierCheck.h"
 #include "ProgramInputFeed.h"
 #include "ProgramOptions.h"
-#include "app/ModuleEntry.h"
-#include "cad/commands/HostSession.h"
+#include "cad/session/WorkbenchSession.h"
 #include "cad/seam/HeaderVariables.h"
 #include "cad/seam/WorkbenchHost.h"
-#include "data/ObjectDataListing.h"
 #include "host/Utf8.h"
 
 using namespace veltarn;
@@ -53,6 +51,7 @@ private:
 };
 
 int save(seam::WorkbenchHost& workbench, const std::string& path);
+void printNotice(std::string notice);
 
 int fail(int code, const std::string& message) {
     std::fflush(stdout);
@@ -123,57 +122,43 @@ int main(int argc, char** argv) {
         source = app::feedOfStandardInput();
     }
 
-    seam::WorkbenchHost workbench([&transcript](const std::wstring& text) { transcript.write(text); },
+    cad::WorkbenchSession session([&transcript](const std::wstring& text) { transcript.write(text); },
                                   editor::SettingsEnvironment::defaultFile());
-    cad::HostSession session(workbench);
-    cad::registerHostCommands(session);
-    // LIST shows the module's object data readably, under the entity's other lines.
-    session.listObjectData = [](host::Database& db, host::ObjectId id) {
-        std::wstring text;
-        for (const std::wstring& line : listObjectData(db, id)) text += L"  " + line + L"\n";
-        return text;
-    };
-    workbench.openDocument(std::move(drawing));
-
-    // The module is loaded once the first document is open, and told of each document after.
-    veltarnEntryPoint(AppMessage::kInitApp, workbench);
-    veltarnEntryPoint(AppMessage::kLoadDwg, workbench);
-    workbench.setDocumentEvents([&workbench] { veltarnEntryPoint(AppMessage::kUnloadDwg, workbench); },
-                                [&workbench] { veltarnEntryPoint(AppMessage::kLoadDwg, workbench); });
-
-    editor::CommandLine& commandLine = workbench.commandLine();
+    session.start(std::move(drawing));
     // A person at a terminal sees the typing; a script's transcript shows each answer after its prompt.
-    commandLine.setEcho(!interactive);
-    commandLine.input() = editor::CommandInput(std::move(source), std::move(sourceScript));
-    while (!session.quitRequested && commandLine.step()) {
+    session.commandLine().setEcho(!interactive);
+    session.setInput(editor::CommandInput(std::move(source), std::move(sourceScript)));
+    while (session.step()) {
     }
-
-    workbench.setDocumentEvents(nullptr, nullptr);
-    veltarnEntryPoint(AppMessage::kUnloadDwg, workbench);
-    veltarnEntryPoint(AppMessage::kUnloadApp, workbench);
+    session.finish();
     transcript.flush();
 
     if (options.saveAs) {
-        if (int status = save(workbench, *options.saveAs); status != app::kExitOk) return status;
+        auto saved = session.save(*options.saveAs);
+        if (!saved) return fail(app::kExitFileError, saved.message());
+        printNotice(*saved);
     }
     // A save the commands asked for failed: its message is in the transcript, the status says so.
-    if (!session.saveError.empty()) return fail(app::kExitFileError, session.saveError);
+    if (!session.saveError().empty()) return fail(app::kExitFileError, session.saveError());
     return app::kExitOk;
 }
 
 namespace {
+
+void printNotice(std::string notice) {
+    // Information, not an error: it goes with the transcript.
+    if (notice.empty()) return;
+    notice += "\n";
+    std::fwrite(notice.data(), 1, notice.size(), stdout);
+    std::fflush(stdout);
+}
 
 int save(seam::WorkbenchHost& workbench, const std::string& path) {
     seam::WorkbenchDatabase* current = workbench.currentDrawing();
     if (!current) return fail(app::kExitFileError, "no drawing is open to save");
     seam::writeHeaderVariables(current->raw(), workbench.variables());
     if (auto saved = current->raw().save(path); !saved) return fail(app::kExitFileError, saved.message());
-    // Information, not an error: it goes with the transcript.
-    if (auto notice = current->raw().saveNotice(); !notice.empty()) {
-        notice += "\n";
-        std::fwrite(notice.data(), 1, notice.size(), stdout);
-        std::fflush(stdout);
-    }
+    printNotice(current->raw().saveNotice());
     return app::kExitOk;
 }
 
