@@ -1,5 +1,8 @@
 #include "TestDrawing.h"
 
+#include "ExternalTools.h"
+#include "ScratchFiles.h"
+
 #include <array>
 #include <cstdio>
 
@@ -19,28 +22,15 @@ host::ObjectId TestDrawing::addLine() {
     return line ? line->id() : host::ObjectId{};
 }
 
-std::filesystem::path scratchDir(const std::string& name) {
-    std::filesystem::path dir = std::filesystem::path(VELTARN_BINARY_DIR) / "tests" / "data-scratch" / name;
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    return dir;
-}
+std::filesystem::path scratchDir(const std::string& name) { return testtools::scratchDir("data", name); }
 
 int runPython(const std::string& arguments, std::string* output) {
-    std::string command = "/usr/bin/python3 " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return -1;
-    std::array<char, 4096> buffer;
-    std::size_t n;
-    while ((n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-        if (output) output->append(buffer.data(), n);
-    }
-    return pclose(pipe);
+    std::string text;
+    const int code = testtools::runPython(arguments, &text);
+    if (output) *output += text;  // callers gather several runs' output in one text
+    return code;
 }
 
-bool haveEzdxf() {
-    static const bool have = runPython("-c 'import ezdxf'", nullptr) == 0;
-    return have;
-}
+bool haveEzdxf() { return testtools::missingEzdxf().empty(); }
 
 }  // namespace veltarn::test

@@ -39,7 +39,7 @@ public:
 // Folder for one test's files, emptied first.
 std::filesystem::path scratchDir(const std::string& name);
 
-// Runs /usr/bin/python3 with `arguments`; its exit code, its output in `output`.
+// Runs /usr/bin/python3 with `arguments`; its exit code, its output added to `output`.
 int runPython(const std::string& arguments, std::string* output);
 // True when /usr/bin/python3 can import ezdxf.
 bool haveEzdxf();

@@ -1,51 +1,35 @@
 // What the program's end-to-end tests share: files, shell runs of the program, golden files.
 #pragma once
 
-#include <sys/wait.h>
-
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include "ExternalTools.h"
+#include "ProgramRunner.h"
+#include "ScratchFiles.h"
+
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 namespace veltarn::e2e {
 
 namespace fs = std::filesystem;
 
-inline const fs::path kProgram = fs::path(VELTARN_BINARY_DIR) / "bin/veltarn";
+inline const fs::path kProgram = testtools::veltarnProgram();
 
-inline std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
-
-inline void writeFile(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
-
-inline std::string quote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
+inline std::string readFile(const fs::path& path) { return testtools::readBytes(path); }
+inline void writeFile(const fs::path& path, const std::string& bytes) { testtools::writeBytes(path, bytes); }
+inline std::string quote(const std::string& text) { return testtools::quoted(text); }
 
 struct ShellRun {
     int exitCode = -1;
     std::string out;
 };
 
+// A shell command line; its standard output (and standard error where it sends it there).
 inline ShellRun runShell(const std::string& command) {
     ShellRun run;
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) run.out.append(buffer, n);
-    const int status = ::pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.exitCode = testtools::runCommand(command, &run.out);
     return run;
 }
 

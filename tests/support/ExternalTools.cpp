@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 fs::path toolsDir() { return fs::path(VELTARN_SOURCE_DIR) / "tests" / "tools"; }
 
 int runCommand(const std::string& command, std::string* output) {
-    FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
+    FILE* pipe = ::popen(command.c_str(), "r");
     if (!pipe) return -1;
     std::array<char, 4096> buffer;
     std::string text;
@@ -26,7 +26,7 @@ int runCommand(const std::string& command, std::string* output) {
 }
 
 int runPython(const std::string& arguments, std::string* output) {
-    return runCommand("/usr/bin/python3 " + arguments, output);
+    return runCommand("/usr/bin/python3 " + arguments + " 2>&1", output);
 }
 
 std::string missingEzdxf() {

@@ -11,10 +11,11 @@ namespace veltarn::testtools {
 // tests/tools of this checkout.
 std::filesystem::path toolsDir();
 
-// Runs a shell command; its exit code (-1 when it did not exit normally), its standard output
-// and error together in `output`.
+// Runs a shell command; its exit code (-1 when it did not exit normally), its standard output in
+// `output` (standard error too when the command redirects it there).
 int runCommand(const std::string& command, std::string* output = nullptr);
-// Runs the system's python3 (the one that sees Debian's ezdxf) with `arguments`.
+// Runs the system's python3 (the one that sees Debian's ezdxf) with `arguments`; its standard
+// output and error together in `output`.
 int runPython(const std::string& arguments, std::string* output = nullptr);
 
 // Empty when python3 can import ezdxf; else what is missing and which package brings it.

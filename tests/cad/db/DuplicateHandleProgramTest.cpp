@@ -29,8 +29,7 @@ TEST(DuplicateHandleProgram, TellsTheUserAndKeepsBothEntities) {
     // The handle's tag starts on the line whose end is at `at`.
     const std::size_t line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n') + 1;
 
-    auto run = test::runVeltarn({(folder / "twice.dxf").string(), "--command", "LIST\nall\n\n", "--save-as", (folder / "out.dxf").string()},
-                                folder / "err");
+    auto run = test::runVeltarn({(folder / "twice.dxf").string(), "--command", "LIST\nall\n\n", "--save-as", (folder / "out.dxf").string()});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     auto saved = Database::load(folder / "out.dxf");
     ASSERT_TRUE(saved.ok()) << saved.message();

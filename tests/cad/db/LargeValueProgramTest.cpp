@@ -35,7 +35,7 @@ TEST(LargeValueProgram, SavesAfterEachCommandThatChangesTheDrawing) {
     std::string files;
     for (const auto& [name, command] : commands) {
         fs::path out = folder / (std::string(name) + ".dxf");
-        auto run = test::runVeltarn({(folder / "in.dxf").string(), "--command", command, "--save-as", out.string()}, folder / "err");
+        auto run = test::runVeltarn({(folder / "in.dxf").string(), "--command", command, "--save-as", out.string()});
         ASSERT_EQ(run.exitCode, 0) << name << ": " << run.err;
         EXPECT_EQ(run.err, "") << name;
 

@@ -1,16 +1,13 @@
 #include "TestSupport.h"
 
+#include "ScratchFiles.h"
+
 #include <gtest/gtest.h>
 
 
 namespace veltarn::db::test {
 
-std::filesystem::path scratchDir(const std::string& name) {
-    auto dir = std::filesystem::path(VELTARN_BINARY_DIR) / "test-scratch" / "db" / name;
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    return dir;
-}
+std::filesystem::path scratchDir(const std::string& name) { return testtools::scratchDir("db", name); }
 
 std::filesystem::path madeByScript(const std::string& script) {
     return testtools::madeOnce(script + ".dxf", std::string(VELTARN_SOURCE_DIR) + "/tests/cad/db/data/" + script, script);
