@@ -2,6 +2,7 @@
 // independent auditor, and hold object data the store reads as the generator wrote it; the audit
 // check finds a damaged drawing.
 #include "ExternalTools.h"
+#include "ScratchFiles.h"
 #include "TestDrawing.h"
 
 #include "data/ObjectData.h"
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 
 using namespace veltarn;
 using test::TestDrawing;
@@ -19,11 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string readBytes(const fs::path& path) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
-}
+using testtools::readBytes;
 
 std::string generate(const fs::path& out, const std::string& arguments) {
     std::string output;

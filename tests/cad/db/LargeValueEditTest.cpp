@@ -7,6 +7,8 @@
 #include "cad/db/SymbolTables.h"
 #include "cad/db/Xrecord.h"
 
+#include "ScratchFiles.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -18,11 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string bytesOf(const fs::path& file) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(file, std::ios::binary).rdbuf();
-    return bytes.str();
-}
+std::string bytesOf(const fs::path& file) { return testtools::readBytes(file); }
 
 Handle xrecordOf(const Database& db) { return findEntry(db, db.namedObjectsDictionary(), "LONG_VALUES"); }
 
