@@ -3,7 +3,7 @@
 #include "classifier/ClassifierReader.h"
 #include "classifier/DrawingResources.h"
 #include "host/Format.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::app {
@@ -12,9 +12,9 @@ ClassifierCheck checkClassifier(seam::WorkbenchHost& host, const std::filesystem
                                 const std::function<void(const std::wstring&)>& print) {
     ClassifierCheck check;
     // The reader is silent about a file it cannot open; the caller has to say so itself.
-    const host::FileBytes checked = host::checkRegularFile(file.string());
+    const FileBytes checked = checkRegularFile(file.string());
     check.opened = checked.ok();
-    if (checked.problem == host::FileProblem::kCannotOpen) check.problem = file.string() + ": cannot open the classifier";
+    if (checked.problem == FileProblem::kCannotOpen) check.problem = file.string() + ": cannot open the classifier";
     else check.problem = checked.error;
     host::Database* drawing = host.workingDatabase();
     if (check.opened && drawing) {

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "cad/commands/HostSession.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 #ifdef VELTARN_HAVE_LIBEDIT
@@ -66,8 +66,8 @@ dxf::Result<ScriptFeed> feedOfInputs(const std::vector<ProgramInput>& inputs) {
             all += input.value;
             continue;
         }
-        host::FileBytes read = host::readRegularFile(input.value, host::kMaxTextFileBytes);
-        if (read.problem == host::FileProblem::kCannotOpen) return dxf::makeError(input.value + ": cannot read the script");
+        FileBytes read = readRegularFile(input.value, kMaxTextFileBytes);
+        if (read.problem == FileProblem::kCannotOpen) return dxf::makeError(input.value + ": cannot read the script");
         if (!read.ok()) return dxf::makeError(read.error);
         std::string text = std::move(read.bytes);
         if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);

@@ -3,7 +3,7 @@
 #include "base/Trim.h"
 #include "host/Utf8.h"
 
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ bool ClassifierLines::open(const std::wstring& path) {
     piece_ = 0;
     position_ = 0;
     // Only a regular file: a folder, a FIFO or a device is no classifier.
-    host::FileBytes file = host::readRegularFile(host::toUtf8(path), host::kMaxTextFileBytes);
+    FileBytes file = readRegularFile(host::toUtf8(path), kMaxTextFileBytes);
     bytes_ = std::move(file.bytes);
     if (!file.ok()) return false;
     if (bytes_.starts_with("\xEF\xBB\xBF")) position_ = 3;

@@ -8,7 +8,7 @@
 #include "host/Format.h"
 #include "host/LowerCase.h"
 #include "host/NumberRules.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 #include "res/StringTable.h"
 
@@ -33,7 +33,7 @@ bool isGoodName(std::wstring_view name, std::size_t maxLength) {
 }
 
 // A regular file that opens; a FIFO would block a plain open, a device would read for ever.
-bool canOpen(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
+bool canOpen(const std::wstring& path) { return checkRegularFile(host::toUtf8(path)).ok(); }
 
 // The kinds in the order the missing-resource warnings are given.
 constexpr std::pair<ResourceKind, StringId> kMissingWarnings[] = {

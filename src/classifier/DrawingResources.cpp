@@ -5,7 +5,7 @@
 #include "classifier/SupportFileText.h"
 #include "classifier/UserPatternFiles.h"
 #include "host/LowerCase.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ bool contains(const std::vector<std::wstring>& names, const std::wstring& name) 
 }
 
 // A regular file that opens; a FIFO would block a plain open, a device would read for ever.
-bool canOpen(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
+bool canOpen(const std::wstring& path) { return checkRegularFile(host::toUtf8(path)).ok(); }
 
 std::wstring folderOf(const std::wstring& path) {
     std::size_t separator = path.find_last_of(L"/\\");

@@ -4,7 +4,7 @@
 #include "host/LowerCase.h"
 #include "host/Utf8.h"
 
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include <sstream>
 
@@ -16,7 +16,7 @@ bool isComment(std::wstring_view line) { return !line.empty() && line.front() ==
 }  // namespace
 
 bool readTextLines(const std::wstring& path, std::vector<std::wstring>& lines) {
-    host::FileBytes file = host::readRegularFile(host::toUtf8(path), host::kMaxSupportFileBytes);
+    FileBytes file = readRegularFile(host::toUtf8(path), kMaxSupportFileBytes);
     if (!file.ok()) return false;
     std::istringstream in(std::move(file.bytes));
     std::string line;

@@ -2,7 +2,7 @@
 
 #include "classifier/SupportFileText.h"
 #include "host/LowerCase.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 #include <sys/stat.h>
@@ -16,7 +16,7 @@ namespace {
 constexpr wchar_t kAcadPat[] = L"/acad.pat";
 constexpr wchar_t kAcadIsoPat[] = L"/acadiso.pat";
 
-bool canRead(const std::wstring& path) { return host::checkRegularFile(host::toUtf8(path)).ok(); }
+bool canRead(const std::wstring& path) { return checkRegularFile(host::toUtf8(path)).ok(); }
 
 }  // namespace
 

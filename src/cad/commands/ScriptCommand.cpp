@@ -5,7 +5,7 @@
 
 #include "cad/seam/ValueConversion.h"
 #include "host/CommandFlags.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 namespace veltarn::cad {
 
@@ -28,8 +28,8 @@ void registerScriptCommand(HostSession& session) {
             session.host.editor().print(L"Error: " + *path + L": the script is running already and cannot start itself again.\n");
             return;
         }
-        host::FileBytes read = host::readRegularFile(file, host::kMaxTextFileBytes);
-        if (read.problem == host::FileProblem::kCannotOpen) {
+        FileBytes read = readRegularFile(file, kMaxTextFileBytes);
+        if (read.problem == FileProblem::kCannotOpen) {
             session.host.editor().print(L"Cannot read the script " + *path + L".\n");
             return;
         }

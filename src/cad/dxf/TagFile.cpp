@@ -4,7 +4,7 @@
 #include "cad/dxf/SectionChecker.h"
 #include "cad/dxf/TagScanners.h"
 #include "cad/dxf/TagStream.h"
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include <algorithm>
 #include <cassert>
@@ -25,7 +25,7 @@ T readLittleEndian(const char* at) {
 }  // namespace
 
 Result<std::string> TagFile::readBytes(const std::filesystem::path& path) {
-    host::FileBytes file = host::readRegularFile(path.string(), host::kMaxDrawingBytes);
+    FileBytes file = readRegularFile(path.string(), kMaxDrawingBytes);
     if (!file.ok()) return makeError(std::move(file.error));
     return std::move(file.bytes);
 }

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::editor {
@@ -39,7 +39,7 @@ std::optional<std::wstring> CommandLineDialogs::openFile(const host::FileDialogR
         return std::nullopt;
     }
     // A folder, a FIFO or a device is there but is no file to read: say what it is.
-    if (const host::FileBytes checked = host::checkRegularFile(host::toUtf8(*path)); !checked.ok()) {
+    if (const FileBytes checked = checkRegularFile(host::toUtf8(*path)); !checked.ok()) {
         editor_.print(host::fromUtf8(checked.error) + L"\n");
         return std::nullopt;
     }

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <vector>
 
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 #include "host/Utf8.h"
 
 namespace veltarn::editor {
@@ -16,7 +16,7 @@ constexpr char kSupportPathKey[] = "supportPath";
 std::vector<std::string> readLines(const std::filesystem::path& file) {
     std::vector<std::string> lines;
     // A settings file that cannot be read is no settings file: the defaults hold.
-    std::istringstream in(host::readRegularFile(file.string(), host::kMaxSettingsBytes).bytes);
+    std::istringstream in(readRegularFile(file.string(), kMaxSettingsBytes).bytes);
     std::string line;
     while (std::getline(in, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();

@@ -3,13 +3,13 @@
 #include <cctype>
 #include <charconv>
 
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include "base/Wildcard.h"
 
 namespace veltarn::support {
 Result<SupportText> SupportText::load(const std::filesystem::path& path) {
-    host::FileBytes file = host::readRegularFile(path.string(), host::kMaxSupportFileBytes);
+    FileBytes file = readRegularFile(path.string(), kMaxSupportFileBytes);
     if (!file.ok()) return dxf::makeError(std::move(file.error));
     return SupportText(std::move(file.bytes), path.string());
 }

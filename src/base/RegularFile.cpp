@@ -1,4 +1,4 @@
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace veltarn::host {
+namespace veltarn {
 namespace {
 
 // Closes the descriptor on every way out.
@@ -105,4 +105,4 @@ FileBytes checkRegularFile(const std::string& path) {
     return file;
 }
 
-}  // namespace veltarn::host
+}  // namespace veltarn

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-namespace veltarn::host {
+namespace veltarn {
 
 // Size limits by kind of file. A drawing's offsets are 32-bit; text files this large are a
 // mistake (a log, a dump) and would take many times their size in memory once decoded.
@@ -42,4 +42,4 @@ FileBytes readRegularFile(const std::string& path, std::uintmax_t maxBytes);
 // readers that only need to know the file is there.
 FileBytes checkRegularFile(const std::string& path);
 
-}  // namespace veltarn::host
+}  // namespace veltarn

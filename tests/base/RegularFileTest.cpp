@@ -1,4 +1,4 @@
-#include "host/RegularFile.h"
+#include "base/RegularFile.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace veltarn::host {
+namespace veltarn {
 namespace {
 
 namespace fs = std::filesystem;
@@ -76,4 +76,4 @@ TEST_F(RegularFile, StopsAtItsLimit) {
 }
 
 }  // namespace
-}  // namespace veltarn::host
+}  // namespace veltarn
