@@ -63,7 +63,10 @@ void appendUtf8(std::string& out, char32_t c) {
 std::string toUtf8(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());
-    for (wchar_t wc : text) appendUtf8(out, static_cast<char32_t>(wc));
+    for (wchar_t wc : text) {
+        if (static_cast<char32_t>(wc) < 0x80) out += static_cast<char>(wc);  // most text: no call
+        else appendUtf8(out, static_cast<char32_t>(wc));
+    }
     return out;
 }
 
