@@ -59,6 +59,18 @@ std::size_t ownerIndex(const TagList& tags) {
     return TagList::npos;
 }
 
+// The index of the extension-dictionary pointer (the 360 of the group); npos when none.
+std::size_t extensionPointerIndex(const TagList& tags) {
+    const Group group = findGroup(tags, db::kXdictionaryGroup);
+    if (group.begin == TagList::npos || group.end == TagList::npos) return TagList::npos;
+    return tags.find(gc::kHardOwner, group.begin, group.end);
+}
+
+Handle extensionPointer(const TagList& tags) {
+    const std::size_t at = extensionPointerIndex(tags);
+    return at == TagList::npos ? db::kNoHandle : db::parseHandle(tags[at].value).value_or(db::kNoHandle);
+}
+
 class Auditor {
 public:
     Auditor(const db::Database& db, db::Database* writable) : db_(db), fix_(writable) {}
@@ -161,9 +173,7 @@ private:
     }
 
     void checkExtensionDictionary(Handle handle, const TagList& tags) {
-        const Group group = findGroup(tags, db::kXdictionaryGroup);
-        if (group.begin == TagList::npos || group.end == TagList::npos) return;
-        const std::size_t at = tags.find(gc::kHardOwner, group.begin, group.end);
+        const std::size_t at = extensionPointerIndex(tags);
         if (at == TagList::npos) return;
         const Handle dictionary = db::parseHandle(tags[at].value).value_or(db::kNoHandle);
         if (!live(dictionary)) {
@@ -179,6 +189,15 @@ private:
         }
         const Handle owner = db_.ownerOf(dictionary);
         if (owner == handle) return;
+        // Two objects pointing at one dictionary: giving it to one would take it from the other.
+        if (TagList ownerTags;
+            live(owner) && db_.read(owner, ownerTags) == OpenStatus::Ok && extensionPointer(ownerTags) == dictionary) {
+            report("xdictionary-owner", dictionary,
+                   label(dictionary) + ": the extension dictionary of " + label(handle) + " is that of " +
+                       label(owner) + " too, which owns it",
+                   false);
+            return;
+        }
         const bool fixed = rewrite(dictionary, [&](TagList& t) {
             const std::string now = db::formatHandle(handle);
             // The reactor that names the old owner names the new one.
@@ -260,25 +279,40 @@ private:
         }
         // Dictionaries that contain themselves, directly or through others: depth first, a
         // dictionary met again while its own entries are being walked closes a cycle.
-        enum class Mark : std::uint8_t { New, Open, Done };
+        // Walked with a stack of its own: a damaged file may nest dictionaries very deep.
+        enum class Mark : std::uint8_t { Open, Done };
         std::unordered_map<Handle, Mark> marks;
-        std::function<void(Handle)> walk = [&](Handle dictionary) {
-            marks[dictionary] = Mark::Open;
-            for (const db::DictionaryEntry& entry : db::dictionaryEntries(db_, dictionary)) {
-                if (!live(entry.value) || !db::isDictionaryType(db_.typeName(entry.value))) continue;
-                const Mark mark = marks.count(entry.value) ? marks[entry.value] : Mark::New;
-                if (mark == Mark::Open)
-                    report("dictionary-cycle", dictionary,
-                           label(dictionary) + ": entry \"" + entry.key + "\" leads back to " + label(entry.value) +
-                               ", which contains it",
-                           false);
-                else if (mark == Mark::New)
-                    walk(entry.value);
-            }
-            marks[dictionary] = Mark::Done;
+        struct Step {
+            Handle dictionary;
+            std::vector<db::DictionaryEntry> entries;
+            std::size_t next = 0;
         };
-        for (Handle dictionary : dictionaries)
-            if (!marks.count(dictionary)) walk(dictionary);
+        for (Handle start : dictionaries) {
+            if (marks.count(start)) continue;
+            std::vector<Step> stack;
+            stack.push_back({start, db::dictionaryEntries(db_, start)});
+            marks[start] = Mark::Open;
+            while (!stack.empty()) {
+                Step& step = stack.back();
+                if (step.next == step.entries.size()) {
+                    marks[step.dictionary] = Mark::Done;
+                    stack.pop_back();
+                    continue;
+                }
+                const db::DictionaryEntry entry = step.entries[step.next++];
+                if (!live(entry.value) || !db::isDictionaryType(db_.typeName(entry.value))) continue;
+                const auto mark = marks.find(entry.value);
+                if (mark == marks.end()) {
+                    marks[entry.value] = Mark::Open;
+                    stack.push_back({entry.value, db::dictionaryEntries(db_, entry.value)});
+                } else if (mark->second == Mark::Open) {
+                    report("dictionary-cycle", step.dictionary,
+                           label(step.dictionary) + ": entry \"" + entry.key + "\" leads back to " +
+                               label(entry.value) + ", which contains it",
+                           false);
+                }
+            }
+        }
     }
 
     void checkBlockRecursion() {
@@ -292,8 +326,10 @@ private:
                 const Handle inserted = db_.findBlock(trimmed(tags.text(gc::kName).value_or("")));
                 if (inserted != db::kNoHandle) inserts[block].emplace_back(entity, inserted);
             }
-        // Whether `from` leads to `target` through inserts (itself included).
-        auto reaches = [&](Handle from, Handle target) {
+        // Whether `from` leads to `target` through inserts (itself included); asked once per pair,
+        // as model space may insert the same block many thousand times.
+        std::map<std::pair<Handle, Handle>, bool> answers;
+        auto walk = [&](Handle from, Handle target) {
             std::set<Handle> seen{from};
             std::vector<Handle> todo{from};
             while (!todo.empty()) {
@@ -305,6 +341,11 @@ private:
                         if (seen.insert(inserted).second) todo.push_back(inserted);
             }
             return false;
+        };
+        auto reaches = [&](Handle from, Handle target) {
+            const auto [answer, asked] = answers.try_emplace({from, target}, false);
+            if (asked) answer->second = walk(from, target);
+            return answer->second;
         };
         for (const auto& [block, list] : inserts)
             for (const auto& [insert, inserted] : list)
@@ -354,11 +395,7 @@ private:
         for (Handle object : db_.liveHandles()) {
             TagList tags;
             if (db_.blockOf(object) == db::kNoHandle || db_.read(object, tags) != OpenStatus::Ok) continue;
-            const Group group = findGroup(tags, db::kXdictionaryGroup);
-            if (group.begin == TagList::npos) continue;
-            const std::size_t at = tags.find(gc::kHardOwner, group.begin, group.end);
-            const Handle extension =
-                at == TagList::npos ? db::kNoHandle : db::parseHandle(tags[at].value).value_or(db::kNoHandle);
+            const Handle extension = extensionPointer(tags);
             if (!live(extension)) continue;
             for (const db::DictionaryEntry& entry : db::dictionaryEntries(db_, extension)) {
                 auto definition = std::find_if(definitions.begin(), definitions.end(),

@@ -13,7 +13,7 @@
 //  * An extension-dictionary pointer (102 {ACAD_XDICTIONARY / 360) leads to an object that exists:
 //    `missing-xdictionary`; the pointer's group is dropped (there is nothing it leads to).
 //  * An extension dictionary is owned by the object that points at it: `xdictionary-owner`; it is
-//    re-owned to that object, contents kept.
+//    re-owned to that object, contents kept (unless its owner points at it too: reported only).
 //  * An entity's layer is defined in the LAYER table: `missing-layer`; the layer is created.
 //  * A dictionary's entries lead to objects that exist: `missing-dictionary-entry`; the entry is
 //    dropped.

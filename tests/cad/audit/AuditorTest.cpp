@@ -157,6 +157,28 @@ TEST(AuditRepairs, PutTheDrawingBackTogether) {
     }
 }
 
+// Two entities pointing at one extension dictionary: re-owning it to one would take it from the
+// other, so it is reported and left with the owner it has.
+TEST(AuditRepairs, LeaveASharedExtensionDictionaryWithItsOwner) {
+    Database made = Database::createNew();
+    const Handle first = made.appendEntity(made.modelSpace(), db::TagList{{0, "LINE"}, {8, "0"}}).value();
+    const Handle second = made.appendEntity(made.modelSpace(), db::TagList{{0, "LINE"}, {8, "0"}}).value();
+    const Handle dictionary = db::createExtensionDictionary(made, first).value();
+    {
+        db::ObjectWriter writer = made.openForWrite(second);
+        writer.tags().insert(2, 102, "{ACAD_XDICTIONARY");
+        writer.tags().insert(3, 360, db::formatHandle(dictionary));
+        writer.tags().insert(4, 102, "}");
+    }
+    for (int run = 0; run < 2; ++run) {  // a second AUDIT finds the same: nothing moved
+        const std::vector<Finding> findings = auditAndFix(made);
+        ASSERT_EQ(findings.size(), 1u) << listing(findings);
+        EXPECT_EQ(findings[0].code, "xdictionary-owner");
+        EXPECT_FALSE(findings[0].fixed);
+        EXPECT_EQ(made.ownerOf(dictionary), first);
+    }
+}
+
 // A sound drawing of every kind gives nothing to report, in the versions that differ most.
 TEST(AuditSoundDrawings, GiveNoFindings) {
     for (const auto& [name, arguments] : std::vector<std::pair<std::string, std::string>>{
