@@ -130,8 +130,8 @@ private:
             checkOwner(handle, tags);
             checkExtensionDictionary(handle, tags);
             if (type == "SORTENTSTABLE") checkSortents(handle, tags);
-            // Objects only: entities of class types written without their entry (ezdxf writes
-            // MULTILEADER so) are read by every program we know, and get theirs when appended.
+            // Objects only: ezdxf writes MULTILEADER entities without their entry, and a drawing
+            // it made must audit clean; entities the database appends get theirs anyway.
             if (db_.sectionOf(handle) == db::Section::Objects && isClassType(type) &&
                 classesChecked_.insert(type).second && !db_.hasClass(type)) {
                 if (fix_) fix_->ensureClass(type);
