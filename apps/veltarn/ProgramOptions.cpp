@@ -51,6 +51,8 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
                 return parsed;
             }
             options.checkClassifier = *value;
+        } else if (argument == "--audit") {
+            options.audit = true;
         } else if (argument.size() > 1 && argument[0] == '-') {
             parsed.error = "unknown option '" + argument + "'";
             return parsed;
@@ -64,12 +66,18 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
     // A check runs no commands: scripts and command texts given with it would silently be ignored.
     if (options.checkClassifier && !options.inputs.empty())
         parsed.error = "--check-classifier runs no scripts or commands";
+    // An audit reports on the file as it is: it runs nothing and changes nothing.
+    else if (options.audit && !options.drawing)
+        parsed.error = "--audit needs a drawing";
+    else if (options.audit && (!options.inputs.empty() || options.saveAs || options.checkClassifier))
+        parsed.error = "--audit runs no scripts, commands or classifier check and saves nothing";
     return parsed;
 }
 
 std::string usageText() {
     return "usage: veltarn [DRAWING] [--script FILE]... [--command TEXT]... [--save-as OUT]\n"
            "       veltarn [DRAWING] --check-classifier FILE [--save-as OUT]\n"
+           "       veltarn DRAWING --audit\n"
            "\n"
            "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
            "given), runs the scripts and command texts in the order given, then, with --save-as,\n"
@@ -85,12 +93,17 @@ std::string usageText() {
            "                  (its tables checked, its resources brought in), print its messages\n"
            "                  and then \"N classes, N objects, N tables\"; exit status 1 when\n"
            "                  reading stopped on an error or FILE cannot be opened\n"
+           "  --audit         check DRAWING's invariants (owners, handles, dictionaries, layers,\n"
+           "                  draw order, blocks, classes, object data), print one line per finding\n"
+           "                  and \"N errors found, N fixed\"; exit status 1 when there are findings.\n"
+           "                  The file is not changed\n"
            "  --help          show this text\n"
            "  --version       show the program's version\n"
            "\n"
            "The transcript (prompts, answers, what commands print) goes to standard output, the\n"
            "program's own errors to standard error.\n"
-           "exit status: 0 on success, 1 on a file error or a failed classifier check, 2 on a usage error\n";
+           "exit status: 0 on success, 1 on a file error, a failed classifier check or audit findings,\n"
+           "2 on a usage error\n";
 }
 
 }  // namespace veltarn::app

@@ -19,12 +19,14 @@ struct ProgramOptions {
     std::optional<std::string> saveAs;   // where to save when the run ends
     std::vector<ProgramInput> inputs;
     std::optional<std::string> checkClassifier;  // check this classifier file instead of running commands
+    bool audit = false;  // check the drawing's invariants instead of running commands; nothing is saved
     bool help = false;
     bool version = false;
 };
 
 // Exit codes of the program.
-enum ExitCode : int { kExitOk = 0, kExitFileError = 1, kExitUsage = 2 };
+// --audit ends with kExitFindings when it found anything.
+enum ExitCode : int { kExitOk = 0, kExitFileError = 1, kExitFindings = 1, kExitUsage = 2 };
 
 struct ParsedOptions {
     ProgramOptions options;

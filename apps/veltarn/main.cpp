@@ -9,9 +9,10 @@
 #include "ClassifierCheck.h"
 #include "ProgramInputFeed.h"
 #include "ProgramOptions.h"
-#include "cad/session/WorkbenchSession.h"
+#include "cad/audit/Auditor.h"
 #include "cad/seam/HeaderVariables.h"
 #include "cad/seam/WorkbenchHost.h"
+#include "cad/session/WorkbenchSession.h"
 #include "host/Utf8.h"
 
 using namespace veltarn;
@@ -86,6 +87,15 @@ int main(int argc, char** argv) {
         auto read = seam::WorkbenchDatabase::read(*options.drawing);
         if (!read) return fail(app::kExitFileError, read.message());
         drawing = std::move(read.value());
+        // An audit's findings include what reading repaired; the drawing is not changed or saved.
+        if (options.audit) {
+            const std::vector<audit::Finding> findings = audit::auditDrawing(drawing->raw());
+            for (const audit::Finding& finding : findings)
+                std::cout << finding.code << ": " << finding.message << "\n";
+            std::cout << audit::summary(findings) << "\n";
+            std::cout.flush();
+            return findings.empty() ? app::kExitOk : app::kExitFindings;
+        }
         // What reading repaired (handles used twice): the drawing opens, but the user is told.
         for (const std::string& notice : drawing->raw().loadNotices()) std::cerr << "veltarn: " << notice << "\n";
     } else {

@@ -10,6 +10,7 @@ void registerHostCommands(HostSession& session) {
     registerLayerCommand(session);
     registerScriptCommand(session);
     registerHelpCommand(session);
+    registerAuditCommand(session);
 }
 
 }  // namespace veltarn::cad

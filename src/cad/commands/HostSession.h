@@ -36,6 +36,7 @@ void registerListCommand(HostSession& session);        // LIST
 void registerLayerCommand(HostSession& session);       // -LAYER
 void registerScriptCommand(HostSession& session);      // SCRIPT
 void registerHelpCommand(HostSession& session);        // HELP
+void registerAuditCommand(HostSession& session);       // AUDIT
 
 // What a script is known by when it might start itself: its canonical path (the path as given
 // when that cannot be found), so that "./a.scr" and a symlink to it are the same script.

@@ -246,6 +246,14 @@ OpenStatus Database::status(Handle handle) const {
     return (slots_[slot].flags & kErased) ? OpenStatus::Erased : OpenStatus::Ok;
 }
 
+std::vector<Handle> Database::liveHandles() const {
+    std::vector<Handle> out;
+    out.reserve(slots_.size());
+    for (const Slot& slot : slots_)
+        if (slot.handle != kNoHandle && !(slot.flags & (kErased | kStructure))) out.push_back(slot.handle);
+    return out;
+}
+
 std::string_view Database::typeName(Handle handle) const {
     std::uint32_t slot = slotOf(handle);
     return slot == kNoSlot ? std::string_view() : std::string_view(types_[slots_[slot].type]);

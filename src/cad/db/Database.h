@@ -110,9 +110,16 @@ public:
     const std::vector<DuplicateHandle>& duplicateHandles() const { return duplicateHandles_; }
     // The same as lines for the user ("plan.dxf:1043: handle 2A is used twice; ..."), one a finding.
     std::vector<std::string> loadNotices() const;
+    // $HANDSEED as the file held it (0 when it had none or an unreadable one), for AUDIT.
+    Handle fileHandleSeed() const { return headerSeed_; }
+    // One above the largest handle the file held (renumbered duplicates included), for AUDIT.
+    Handle fileMinimumSeed() const { return minSeed_; }
 
     // --- Objects --------------------------------------------------------------------------
     OpenStatus status(Handle handle) const;
+    // Every object that is not erased (table heads and records, blocks and their entities, objects)
+    // in file order, then in the order they were added: for checks that visit the whole drawing.
+    std::vector<Handle> liveHandles() const;
     bool exists(Handle handle) const { return status(handle) == OpenStatus::Ok; }
     // The DXF type ("LINE", "DICTIONARY", "LAYER"...); empty for an unknown handle.
     std::string_view typeName(Handle handle) const;

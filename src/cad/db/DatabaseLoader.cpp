@@ -49,6 +49,8 @@ public:
         db_.headerSeed_ = seed_;
         db_.minSeed_ = aboveAll;
         if (auto renumbered = renumberDuplicates(); !renumbered) return renumbered;
+        // Renumbered objects are saved under their new handles: the saved seed must be above them.
+        if (!db_.duplicateHandles_.empty()) db_.minSeed_ = std::max(db_.minSeed_, db_.nextHandle_);
         // Objects without a handle (R12 files written without handles, ENDTAB, a space that has no
         // BLOCK) get one in memory only.
         for (std::uint32_t s = 0; s < db_.slots_.size(); ++s) {
