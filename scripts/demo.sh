@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: check the example classifier against the example drawing,
-# list objects with their object data on the command line, and read a drawing and write it back
+# audit the drawing, list objects with their object data on the command line, and read a drawing and write it back
 # unchanged.
 set -euo pipefail
 build=${1:-build}
@@ -13,6 +13,9 @@ rm -rf "$XDG_CONFIG_HOME"
 
 echo "== veltarn examples/utility-survey.dxf --check-classifier examples/utility-survey.txt"
 "$build/bin/veltarn" examples/utility-survey.dxf --check-classifier examples/utility-survey.txt
+
+echo "== veltarn examples/utility-survey.dxf --audit"
+"$build/bin/veltarn" examples/utility-survey.dxf --audit
 
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
