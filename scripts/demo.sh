@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: check the example classifier against the example drawing,
-# audit the drawing, list objects with their object data on the command line, and read a drawing and write it back
-# unchanged.
+# audit the drawing, list objects with their object data on the command line, and read a drawing
+# and write it back unchanged.
 set -euo pipefail
 build=${1:-build}
 out="$build/demo"
