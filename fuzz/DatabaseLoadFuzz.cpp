@@ -1,7 +1,9 @@
 // Fuzz target for loading a drawing into the database, which indexes the tags while the file is
 // read. Besides crashes and hangs it checks that a drawing is refused exactly when the tag layer
 // refuses it, with its message, and that one loaded is written back as the tag layer writes it
-// unchanged (unless its $HANDSEED is raised above the handles it holds), and reads again.
+// unchanged (unless its $HANDSEED is raised above the handles it holds), and reads again; the
+// auditor checks and repairs what loaded, and the repaired drawing reads again.
+#include "cad/audit/Auditor.h"
 #include "cad/db/Database.h"
 #include "cad/dxf/TagWriter.h"
 
@@ -40,5 +42,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(*text == unchanged.text(), "a loaded drawing is not written back as it was read");
     }
     require(db::Database::parse(*text, "again.dxf").ok(), "a written drawing does not read again");
+
+    // The auditor runs on whatever loads: checking never changes the drawing, and what fixing
+    // leaves is written and read again.
+    (void)audit::auditDrawing(*db);
+    require(db->toText().value() == *text, "checking a drawing changed it");
+    db->beginCommand("AUDIT");
+    (void)audit::auditAndFix(*db);
+    db->endCommand();
+    auto fixed = db->toText();
+    require(fixed.ok(), "an audited drawing cannot be written");
+    require(db::Database::parse(*fixed, "fixed.dxf").ok(), "an audited drawing does not read again");
     return 0;
 }

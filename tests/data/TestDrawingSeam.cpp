@@ -1,6 +1,7 @@
 // Opens workbench drawings for the object-data tests through the workbench's own implementation
 // of the seam.
 #include "TestDrawing.h"
+#include "ExternalTools.h"
 
 #include "cad/seam/WorkbenchDatabase.h"
 
@@ -18,6 +19,8 @@ public:
     void save(const std::filesystem::path& path) override {
         auto saved = db_->raw().save(path);
         ASSERT_TRUE(saved.ok()) << saved.message();
+        // What a test saves must be sound: a command that writes a broken drawing fails a test.
+        EXPECT_EQ(testtools::workbenchAudit(path), "") << path;
     }
     void beginCommand(const std::string& name) override { db_->raw().beginCommand(name); }
     void endCommand() override { db_->raw().endCommand(); }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "cad/audit/Auditor.h"
+#include "cad/db/Database.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,12 +43,21 @@ std::string missingEzdxf() {
     return missing;
 }
 
+std::string workbenchAudit(const fs::path& file) {
+    auto loaded = db::Database::load(file);
+    if (!loaded) return "the workbench cannot read it again: " + loaded.message();
+    std::string found;
+    for (const audit::Finding& finding : audit::auditDrawing(*loaded)) found += finding.code + ": " + finding.message + "\n";
+    return found;
+}
+
 std::string audit(const fs::path& file) {
-    if (std::string missing = missingEzdxf(); !missing.empty()) return "cannot audit " + file.string() + ": " + missing;
+    std::string found = workbenchAudit(file);
+    if (std::string missing = missingEzdxf(); !missing.empty()) return found + "cannot audit " + file.string() + ": " + missing;
     std::string output;
     const int code = runPython(quoted((toolsDir() / "audit_dxf.py").string()) + " " + quoted(file.string()), &output);
-    if (code == 0) return {};
-    return output.empty() ? "audit_dxf.py exit code " + std::to_string(code) : output;
+    if (code != 0) found += output.empty() ? "audit_dxf.py exit code " + std::to_string(code) : output;
+    return found;
 }
 
 std::string quoted(const std::string& text) {

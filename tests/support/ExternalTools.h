@@ -21,9 +21,13 @@ int runPython(const std::string& arguments, std::string* output = nullptr);
 // Empty when python3 can import ezdxf; else what is missing and which package brings it.
 std::string missingEzdxf();
 
-// The audit check's findings on a written drawing; empty when ezdxf's strict loader and
-// auditor find nothing. A missing tool is a finding too.
+// What is wrong with a written drawing: the workbench's own auditor's findings (it reads the file
+// with the workbench's loader), then the audit check's (ezdxf's strict loader and auditor); empty
+// when both find nothing. A missing tool is a finding too. Tests call it on every drawing they
+// save, so that a command that writes a broken drawing fails a test.
 std::string audit(const std::filesystem::path& file);
+// The workbench's auditor alone, for drawings written where ezdxf's view is not wanted.
+std::string workbenchAudit(const std::filesystem::path& file);
 
 // A drawing made by the generator with `arguments` (see gen_dxf.py), cached per name in the build
 // folder and made through a part file of this process's own, so that tests running side by side

@@ -1,6 +1,7 @@
 // A drawing whose file gives one handle to two objects: both are kept, the second gets a new
 // handle when the drawing is read, and the finding is kept for the user and for AUDIT.
 #include "TestSupport.h"
+#include "ExternalTools.h"
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/EntityFactory.h"
@@ -95,6 +96,7 @@ TEST(DuplicateHandle, TheSavedDrawingHasNoDuplicateAndReadsAlike) {
     Database db = test::parseOrFail(drawing.text);
     fs::path file = test::scratchDir("duplicate-handle") / "saved.dxf";
     ASSERT_TRUE(db.save(file).ok());
+    EXPECT_EQ(testtools::workbenchAudit(file), "") << "the renumbered drawing saves sound";
 
     Database again = test::loadOrFail(file);
     EXPECT_TRUE(again.duplicateHandles().empty());

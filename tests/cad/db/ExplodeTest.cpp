@@ -1,5 +1,6 @@
 // Explode: pieces checked against an independent explode, and the EXPLODE command's bookkeeping.
 #include "TestSupport.h"
+#include "ExternalTools.h"
 
 #include "cad/db/EntityFactory.h"
 #include "cad/db/EntityProperties.h"
@@ -105,6 +106,7 @@ TEST(Explode, PiecesLieWhereAnIndependentExplodeShowsThem) {
 
     auto dir = test::scratchDir("explode");
     ASSERT_TRUE(db.save(dir / "before.dxf").ok());
+    EXPECT_EQ(testtools::workbenchAudit(dir / "before.dxf"), "");
     std::string handles;
     for (Handle h : targets) {
         handles += (handles.empty() ? "" : ",") + formatHandle(h);

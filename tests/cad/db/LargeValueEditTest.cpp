@@ -1,6 +1,7 @@
 // Drawings holding very long texts, saved after an edit: the file on disk is what the drawing
 // writes, and it reads back with every value, in our loader and in ezdxf.
 #include "TestSupport.h"
+#include "ExternalTools.h"
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/EntityFactory.h"
@@ -85,6 +86,7 @@ void checkSave(const std::vector<std::string>& values, const Edit& edit, const f
     Database db = drawingWith(values);
     edit.apply(db);
     ASSERT_TRUE(db.save(file).ok()) << what;
+    EXPECT_EQ(testtools::workbenchAudit(file), "") << what;
     const std::string text = db.toText().value();
     std::string saved = bytesOf(file);
     ASSERT_EQ(saved.size(), text.size()) << what;

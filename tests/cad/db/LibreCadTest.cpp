@@ -1,6 +1,7 @@
 // What we write must open in another CAD program: LibreCAD renders our drawings to PDF headless.
 // LibreCAD hangs on a file it cannot read (it waits on a dialog), so a time-out is a failure.
 #include "TestSupport.h"
+#include "ExternalTools.h"
 
 #include "cad/db/EntityFactory.h"
 #include "cad/db/ExtensionDictionary.h"
@@ -82,6 +83,7 @@ TEST(LibreCad, OpensAnR12DrawingConvertedForObjectData) {
 
     auto dir = test::scratchDir("librecad-r12");
     ASSERT_TRUE(db.save(dir / "converted.dxf").ok());
+    EXPECT_EQ(test::audit(dir / "converted.dxf"), "");
     EXPECT_TRUE(rendersInLibreCad(dir / "converted.dxf", dir / "converted.pdf")) << "LibreCAD could not open the converted drawing";
 }
 

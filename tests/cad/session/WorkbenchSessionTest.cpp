@@ -1,6 +1,7 @@
 // The session both front ends build: the module loads with the first drawing, follows the
 // documents, and is gone after finish().
 #include "cad/session/WorkbenchSession.h"
+#include "ExternalTools.h"
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,7 @@ TEST(WorkbenchSession, TheModuleLoadsWithTheFirstDrawingAndFollowsTheDocuments) 
         EXPECT_EQ(session.saveError(), "");
         auto saved = session.save(settings.parent_path() / "out.dxf");
         ASSERT_TRUE(saved.ok()) << saved.message();
+        EXPECT_EQ(testtools::workbenchAudit(settings.parent_path() / "out.dxf"), "");
         EXPECT_TRUE(fs::exists(settings.parent_path() / "out.dxf"));
         session.finish();
         EXPECT_NE(type(session, L"VELTARN_SEL\n").find(L"Unknown command"), std::wstring::npos) << "unloaded";

@@ -10,6 +10,8 @@ import ezdxf
 
 doc = ezdxf.new("R2018")
 msp = doc.modelspace()
+for layer in ("WALLS", "MESH"):
+    doc.layers.add(layer)  # entities on a layer the drawing does not define are an audit finding
 capped = doc.mline_styles.new("CAPPED")
 capped.elements.append(0.5, 1, "BYLAYER")
 capped.elements.append(0.2, 2, "BYLAYER")
