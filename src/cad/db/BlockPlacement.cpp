@@ -1,79 +1,18 @@
 #include "cad/db/BlockPlacement.h"
 
-#include "cad/db/ExplodeSupport.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
-#include "cad/dxf/NumberText.h"
+#include "cad/db/kinds/KindSupport.h"
 
 #include <numbers>
 
 namespace veltarn::db {
 
-using namespace explode_support;
+using namespace kind_support;
 
 namespace {
 
 constexpr int kTextUpsideDown = 4;  // TEXT generation flag (71)
-
-// One OCS entity's plane under the placement: its new normal and how angles turn. A mirrored
-// placement keeps the normal's side (drawings stay in plan view) and runs angles the other way.
-struct PlaneMap {
-    Ocs from, to;
-    Point3 normal;
-    double turn = 0;  // degrees
-    bool mirrored = false;
-
-    PlaneMap(const Placement& p, const Point3& n) : from(n), to(normalized(p.map.vector(from.z))), normal(to.z), mirrored(p.mirrored) {
-        Point3 u = p.map.vector(from.x);
-        turn = std::atan2(dot(u, to.y), dot(u, to.x)) * kDegrees;
-        map_ = &p.map;
-    }
-    Point3 point(const Point3& ocs) const { return to.fromWcs(map_->apply(from.toWcs(ocs))); }
-    Point3 vector(const Point3& ocs) const { return to.fromWcs(map_->vector(from.toWcs(ocs))); }
-    double angle(double degrees) const { return mirrored ? turn - degrees : turn + degrees; }
-
-private:
-    const Affine* map_;
-};
-
-std::string real(double v) { return dxf::formatReal(v); }
-
-// Rewrites the point at `code` (with its Y and Z codes when present) in [from, to), every occurrence.
-template <class F>
-void mapPoints(TagList& tags, int code, std::size_t from, std::size_t to, F f) {
-    for (std::size_t i = from; i < to; ++i) {
-        if (tags[i].code != code) continue;
-        Point3 p = tags.pointAt(i).value_or(Point3{});
-        bool hasZ = i + 2 < tags.size() && tags[i + 2].code == code + 20 && tags[i + 1].code == code + 10;
-        Point3 q = f(p);
-        tags[i].value = real(q.x);
-        if (i + 1 < tags.size() && tags[i + 1].code == code + 10) tags[i + 1].value = real(q.y);
-        if (hasZ) tags[i + 2].value = real(q.z);
-    }
-}
-
-template <class F>
-void mapReals(TagList& tags, int code, std::size_t from, std::size_t to, F f) {
-    for (std::size_t i = from; i < to; ++i)
-        if (tags[i].code == code) tags[i].value = real(f(dxf::parseReal(tags[i].value).value_or(0)));
-}
-
-// Sets the extrusion of an entity whose own tags are [from, to): replaced in place, or added
-// before any xdata when it differs from the default.
-void setNormal(TagList& tags, std::size_t from, std::size_t to, const Point3& normal) {
-    std::size_t at = tags.find(gc::kNormalX, from, to);
-    if (at != TagList::npos) {
-        mapPoints(tags, gc::kNormalX, at, at + 1, [&](const Point3&) { return normal; });
-        if (!(at + 2 < tags.size() && tags[at + 2].code == gc::kNormalX + 20)) tags.insert(at + 2, gc::kNormalX + 20, real(normal.z));
-        return;
-    }
-    if (isDefaultNormal(normal)) return;
-    std::size_t end = from;
-    while (end < to && tags[end].code < gc::kXdataApp) ++end;
-    tags.insert(end, gc::kNormalX, real(normal.x));
-    tags.insert(end + 1, gc::kNormalX + 10, real(normal.y));
-    tags.insert(end + 2, gc::kNormalX + 20, real(normal.z));
-}
 
 // TEXT, ATTRIB and ATTDEF, whose points are in their OCS.
 void placeText(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
@@ -243,33 +182,6 @@ void placeHatch(TagList& tags, const Placement& p) {
     setNormal(tags, from, ownEnd(tags), plane.normal);
 }
 
-// An MLINE: vertices, segment and miter directions in WCS; the element offsets and breaks along
-// them are lengths. Its extrusion is the placed plane's, turned over under a mirror: elements lie
-// on the left of their direction seen from the extrusion, which is what the caps are drawn by.
-void placeMline(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
-    auto wcs = [&](const Point3& q) { return p.map.apply(q); };
-    auto direction = [&](const Point3& v) { return normalized(p.map.vector(v)); };
-    Ocs plane(normalIn(tags, from, to));
-    Point3 normal = normalized(cross(p.map.vector(plane.x), p.map.vector(plane.y)));
-    mapPoints(tags, gc::kX2, from, to, wcs);
-    mapPoints(tags, gc::kX3, from, to, direction);
-    mapPoints(tags, gc::kX4, from, to, direction);
-    for (int code : {gc::kReal, gc::kReal2, gc::kReal3}) mapReals(tags, code, from, to, [&](double v) { return v * p.size; });
-    std::size_t at = tags.find(gc::kNormalX, from, to);
-    if (at == TagList::npos) {
-        // DXF puts it right after the start point.
-        std::size_t start = tags.find(gc::kX, from, to);
-        at = start == TagList::npos ? to : start + 1;
-        while (at < to && (tags[at].code == gc::kX + 10 || tags[at].code == gc::kX + 20)) ++at;
-        tags.insert(at, gc::kNormalX, "0");
-        tags.insert(at + 1, gc::kNormalX + 10, "0");
-        tags.insert(at + 2, gc::kNormalX + 20, "1");
-        to += 3;
-    }
-    mapPoints(tags, gc::kNormalX, at, at + 1, [&](const Point3&) { return normal; });
-    mapPoints(tags, gc::kX, from, to, wcs);  // the start point
-}
-
 }  // namespace
 
 Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view block) {
@@ -278,9 +190,11 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
     auto unplaceable = [&](std::string_view why) {
         return fail("cannot explode: block \"" + std::string(block) + "\" holds a " + type + " that " + std::string(why));
     };
+    const EntityKindOps* kind = kindOf(type, tags);
     // Kinds whose shape survives any linear map; the others need equal X and Y scales.
-    bool affine = type == "LINE" || type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE" ||
-                  type == "WIPEOUT";
+    bool affine = kind ? kind->keepsShapeUnderAnyMap
+                       : type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE" ||
+                             type == "WIPEOUT";
     if (type == "POLYLINE") affine = (tags.integer(gc::kFlags, from, to).value_or(0) & (kPolyline3d | kPolygonMesh | kPolyfaceMesh)) != 0;
     if (!affine && !p.equalXY()) return unplaceable("cannot be scaled unequally in X and Y");
     Point3 n = normalIn(tags, from, to);
@@ -288,7 +202,11 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
     auto wcs = [&](const Point3& q) { return p.map.apply(q); };
     auto vector = [&](const Point3& v) { return p.map.vector(v); };
     auto lengths = [&](double v) { return v * p.size; };
-    if (type == "LINE" || type == "POINT" || type == "3DFACE") {
+    if (kind) {
+        if (!kind->place) return unplaceable("cannot be placed");
+        return kind->place(tags, from, to, p);
+    }
+    if (type == "POINT" || type == "3DFACE") {
         for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4}) mapPoints(tags, code, from, to, wcs);
         if (type != "3DFACE") setNormal(tags, from, to, normalized(vector(n)));
     } else if (type == "XLINE" || type == "RAY") {
@@ -300,17 +218,9 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         mapPoints(tags, gc::kX3, from, to, vector);
         mapPoints(tags, gc::kX4, from, to, vector);
         if (tags.find(gc::kNormalX, from, to) != TagList::npos) setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "CIRCLE" || type == "ARC" || type == "SOLID" || type == "TRACE") {
+    } else if (type == "SOLID" || type == "TRACE") {
         PlaneMap plane(p, n);
-        for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4}) mapPoints(tags, code, from, to, [&](const Point3& q) { return plane.point(q); });
-        mapReals(tags, gc::kReal, from, to, lengths);
-        if (type == "ARC") {
-            double start = tags.real(gc::kAngle, from, to).value_or(0), end = tags.real(gc::kAngle2, from, to).value_or(360);
-            double a = plane.angle(p.mirrored ? end : start), b = plane.angle(p.mirrored ? start : end);
-            tags.setRealIn("AcDbArc", gc::kAngle, std::fmod(a + 720, 360));
-            tags.setRealIn("AcDbArc", gc::kAngle2, std::fmod(b + 720, 360));
-            to = ownEnd(tags);
-        }
+        placeInPlane(tags, from, to, p, plane);
         setNormal(tags, from, to, plane.normal);
     } else if (type == "ELLIPSE") {
         mapPoints(tags, gc::kX, from, to, wcs);
@@ -374,8 +284,6 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         return placeInsert(tags, from, to, p);
     } else if (type == "HATCH") {
         placeHatch(tags, p);
-    } else if (type == "MLINE") {
-        placeMline(tags, from, to, p);
     } else if (type == "WIPEOUT") {
         // Insertion point and the image's U and V vectors; the clip boundary is in image units.
         mapPoints(tags, gc::kX, from, to, wcs);

@@ -1,6 +1,7 @@
 #include "cad/db/EntityKind.h"
 
 #include "cad/db/GroupCodes.h"
+#include "cad/db/kinds/EntityKindOps.h"
 
 #include <array>
 #include <utility>
@@ -13,12 +14,28 @@ constexpr int kPolyline3d = 8;
 constexpr int kPolygonMesh = 16;
 constexpr int kPolyfaceMesh = 64;
 
-constexpr std::array<std::pair<std::string_view, std::string_view>, 19> kExact{{
-    {"3DFACE", "3DFace"},      {"3DSOLID", "3DSolid"}, {"ARC", "Arc"},         {"CIRCLE", "Circle"},
-    {"ELLIPSE", "Ellipse"},    {"HATCH", "Hatch"},     {"LINE", "Line"},       {"MESH", "Mesh"},
-    {"MULTILEADER", "MLeader"}, {"MLEADER", "MLeader"}, {"MLINE", "Mline"},     {"MPOLYGON", "MPolygon"},
-    {"MTEXT", "MText"},        {"POINT", "Point"},     {"LWPOLYLINE", "Polyline"}, {"RAY", "Ray"},
-    {"SPLINE", "Spline"},      {"WIPEOUT", "Wipeout"}, {"XLINE", "Xline"},
+// The kinds whose code is not in kinds/ yet.
+constexpr std::array<std::pair<std::string_view, EntityKind>, 20> kByType{{
+    {"3DFACE", EntityKind::Face3d},
+    {"3DSOLID", EntityKind::Solid3d},
+    {"ELLIPSE", EntityKind::Ellipse},
+    {"HATCH", EntityKind::Hatch},
+    {"MESH", EntityKind::Mesh},
+    {"MULTILEADER", EntityKind::Multileader},
+    {"MLEADER", EntityKind::Multileader},
+    {"MPOLYGON", EntityKind::MPolygon},
+    {"MTEXT", EntityKind::MText},
+    {"POINT", EntityKind::Point},
+    {"LWPOLYLINE", EntityKind::LwPolyline},
+    {"RAY", EntityKind::Ray},
+    {"SPLINE", EntityKind::Spline},
+    {"WIPEOUT", EntityKind::Wipeout},
+    {"XLINE", EntityKind::Xline},
+    {"SOLID", EntityKind::Solid2d},
+    {"SURFACE", EntityKind::Surface},
+    {"TEXT", EntityKind::Text},
+    {"DIMENSION", EntityKind::Dimension},
+    {"ARC_DIMENSION", EntityKind::ArcDimension},
 }};
 
 }  // namespace
@@ -27,38 +44,29 @@ bool isDimension(std::string_view type) {
     return type == "DIMENSION" || type == "ARC_DIMENSION" || type == "LARGE_RADIAL_DIMENSION";
 }
 
-std::string entityTypeName(const TagList& tags) {
+EntityKind entityKind(const TagList& tags) {
     std::string_view type = tags.type();
-    for (const auto& [dxf, name] : kExact)
-        if (type == dxf) return std::string(name);
-    if (isDimension(type)) return "Dimension";
-    if (type == "SURFACE") return "Surface";  // the derived surfaces have DXF names of their own
-    if (type == "TEXT") return "Text";        // ATTRIB and ATTDEF are their own types
+    if (const EntityKindOps* kind = kindOf(type, tags)) return kind->kind;
+    for (const auto& [dxf, kind] : kByType)
+        if (type == dxf) return kind;
+    if (type == "LARGE_RADIAL_DIMENSION") return EntityKind::LargeRadialDimension;
     if (type == "INSERT") {
-        // A multiple insert is a derived kind: rows or columns above one, or its own marker.
-        if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return {};
+        // A multiple insert: rows or columns above one, or its own marker.
+        if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return EntityKind::MultipleInsert;
         std::size_t end = tags.find(gc::kStructure, 1);
-        if (tags.integer(gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(gc::kInt71, 1, end).value_or(1) > 1) return {};
-        return "BlockReference";
+        if (tags.integer(gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(gc::kInt71, 1, end).value_or(1) > 1)
+            return EntityKind::MultipleInsert;
+        return EntityKind::BlockReference;
     }
     if (type == "POLYLINE") {
         std::size_t end = tags.find(gc::kStructure, 1);
         int flags = static_cast<int>(tags.integer(gc::kFlags, 1, end).value_or(0));
-        if (flags & kPolyfaceMesh) return "PolyFaceMesh";
-        if (flags & kPolygonMesh) return {};
-        if (flags & kPolyline3d) return "3DPolyline";
-        return {};  // an old-style 2D polyline
+        if (flags & kPolyfaceMesh) return EntityKind::PolyfaceMesh;
+        if (flags & kPolygonMesh) return EntityKind::PolygonMesh;
+        if (flags & kPolyline3d) return EntityKind::Polyline3d;
+        return EntityKind::Polyline2d;
     }
-    return {};
-}
-
-std::string entityTypeName(const Database& db, Handle entity) {
-    std::string_view type = db.typeName(entity);
-    if (type != "INSERT" && type != "POLYLINE") {
-        TagList only{{0, std::string(type)}};
-        return entityTypeName(only);
-    }
-    return entityTypeName(db.tags(entity));
+    return EntityKind::Other;
 }
 
 bool isEntity(const Database& db, Handle handle) { return db.blockOf(handle) != kNoHandle; }

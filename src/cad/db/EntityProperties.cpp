@@ -3,6 +3,7 @@
 #include "cad/db/Dictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/SymbolTables.h"
+#include "cad/db/kinds/EntityKindOps.h"
 #include "cad/dxf/NumberText.h"
 
 #include <array>
@@ -17,52 +18,53 @@ constexpr int kSolidFill = 70;          // HATCH: 1 solid, 0 pattern
 constexpr int kPatternAngle = 52;
 constexpr int kPolylineElevation = 38;
 constexpr int kStartWidth = 40, kEndWidth = 41;
-constexpr int kMlineFlags = 71;
-constexpr int kMlineClosed = 2;
-constexpr int kMlineStylePointer = 340;
 constexpr int kMleaderStylePointer = 340;
 constexpr int kBackgroundFlags = 90, kBackgroundColor = 63, kBackgroundRgb = 421, kBackgroundScale = 45, kBackgroundTransparency = 441;
 constexpr int kXdataInteger32 = 1071;
 constexpr std::string_view kHatchBackgroundApp = "HATCHBACKGROUNDCOLOR";
 
+// Properties of the kinds whose code is not in kinds/ yet.
 struct Place {
-    Property property;
-    std::string_view type, marker;
-    int code;
-    std::string_view fallback;  // the value when the tag is absent
+    std::string_view type;
+    PropertyPlace place;
 };
 
-constexpr std::array<Place, 22> kPlaces{{
-    {Property::BlockName, "INSERT", "AcDbBlockReference", 2, ""},
-    {Property::ScaleX, "INSERT", "AcDbBlockReference", 41, "1"},
-    {Property::ScaleY, "INSERT", "AcDbBlockReference", 42, "1"},
-    {Property::ScaleZ, "INSERT", "AcDbBlockReference", 43, "1"},
-    {Property::Rotation, "INSERT", "AcDbBlockReference", 50, "0"},
-    {Property::Rotation, "TEXT", "AcDbText", 50, "0"},
-    {Property::Rotation, "MTEXT", "AcDbMText", 50, "0"},
-    {Property::ConstantWidth, "LWPOLYLINE", "AcDbPolyline", 43, "0"},
-    {Property::ConstantWidth, "POLYLINE", "AcDb2dPolyline", kStartWidth, "0"},
-    {Property::Elevation, "LWPOLYLINE", "AcDbPolyline", kPolylineElevation, "0"},
-    {Property::Elevation, "POLYLINE", "AcDb2dPolyline", 30, "0"},
-    {Property::Elevation, "HATCH", "AcDbHatch", 30, "0"},
-    {Property::PatternName, "HATCH", "AcDbHatch", 2, ""},
-    {Property::PatternAngle, "HATCH", "AcDbHatch", kPatternAngle, "0"},
-    {Property::PatternScale, "HATCH", "AcDbHatch", 41, "1"},
-    {Property::MlineJustification, "MLINE", "AcDbMline", 70, "0"},
-    {Property::MlineScale, "MLINE", "AcDbMline", 40, "1"},
-    {Property::DimensionStyle, "DIMENSION", "AcDbDimension", 3, "Standard"},
-    {Property::TextStyle, "TEXT", "AcDbText", 7, "Standard"},
-    {Property::TextStyle, "MTEXT", "AcDbMText", 7, "Standard"},
-    {Property::TextHeight, "TEXT", "AcDbText", 40, ""},
-    {Property::TextHeight, "MTEXT", "AcDbMText", 40, ""},
+constexpr std::array<Place, 20> kPlaces{{
+    {"INSERT", {Property::BlockName, "AcDbBlockReference", 2, ""}},
+    {"INSERT", {Property::ScaleX, "AcDbBlockReference", 41, "1"}},
+    {"INSERT", {Property::ScaleY, "AcDbBlockReference", 42, "1"}},
+    {"INSERT", {Property::ScaleZ, "AcDbBlockReference", 43, "1"}},
+    {"INSERT", {Property::Rotation, "AcDbBlockReference", 50, "0"}},
+    {"TEXT", {Property::Rotation, "AcDbText", 50, "0"}},
+    {"MTEXT", {Property::Rotation, "AcDbMText", 50, "0"}},
+    {"LWPOLYLINE", {Property::ConstantWidth, "AcDbPolyline", 43, "0"}},
+    {"POLYLINE", {Property::ConstantWidth, "AcDb2dPolyline", kStartWidth, "0"}},
+    {"LWPOLYLINE", {Property::Elevation, "AcDbPolyline", kPolylineElevation, "0"}},
+    {"POLYLINE", {Property::Elevation, "AcDb2dPolyline", 30, "0"}},
+    {"HATCH", {Property::Elevation, "AcDbHatch", 30, "0"}},
+    {"HATCH", {Property::PatternName, "AcDbHatch", 2, ""}},
+    {"HATCH", {Property::PatternAngle, "AcDbHatch", kPatternAngle, "0"}},
+    {"HATCH", {Property::PatternScale, "AcDbHatch", 41, "1"}},
+    {"DIMENSION", {Property::DimensionStyle, "AcDbDimension", 3, "Standard"}},
+    {"TEXT", {Property::TextStyle, "AcDbText", 7, "Standard"}},
+    {"MTEXT", {Property::TextStyle, "AcDbMText", 7, "Standard"}},
+    {"TEXT", {Property::TextHeight, "AcDbText", 40, ""}},
+    {"MTEXT", {Property::TextHeight, "AcDbMText", 40, ""}},
 }};
-constexpr Place kAttachment{Property::AttachmentPoint, "MTEXT", "AcDbMText", 71, "1"};
+constexpr PropertyPlace kAttachment{Property::AttachmentPoint, "AcDbMText", 71, "1"};
 
-const Place* placeOf(const TagList& tags, Property which) {
+const PropertyPlace* placeOf(const TagList& tags, Property which) {
     std::string_view type = tags.type();
+    if (const EntityKindOps* kind = kindOf(type, tags)) {
+        for (const PropertyPlace& place : kind->properties)
+            if (place.property == which) return &place;
+        return nullptr;
+    }
     if (which == Property::AttachmentPoint) return type == "MTEXT" ? &kAttachment : nullptr;
-    for (const Place& place : kPlaces)
-        if (place.property == which && (place.type == type || (place.type == "DIMENSION" && type.ends_with("DIMENSION")))) return &place;
+    for (const Place& entry : kPlaces)
+        if (entry.place.property == which &&
+            (entry.type == type || (entry.type == "DIMENSION" && type.ends_with("DIMENSION"))))
+            return &entry.place;
     return nullptr;
 }
 
@@ -120,7 +122,7 @@ void setLineweight(TagList& tags, int lineweight) {
 // --- Kind-specific properties --------------------------------------------------------------------
 
 std::optional<std::string> property(const TagList& tags, Property which) {
-    const Place* place = placeOf(tags, which);
+    const PropertyPlace* place = placeOf(tags, which);
     if (!place) return std::nullopt;
     auto [from, to] = tags.subclass(place->marker);
     if (from == TagList::npos) return std::string(place->fallback);
@@ -134,7 +136,7 @@ std::optional<double> realProperty(const TagList& tags, Property which) {
 }
 
 bool setProperty(TagList& tags, Property which, std::string value) {
-    const Place* place = placeOf(tags, which);
+    const PropertyPlace* place = placeOf(tags, which);
     if (!place) return false;
     if (which == Property::PatternName) tags.setIn(place->marker, kSolidFill, sameName(value, "SOLID") ? "1" : "0");
     if (which == Property::ConstantWidth && tags.type() == "POLYLINE") tags.setIn(place->marker, kEndWidth, value);
@@ -147,16 +149,25 @@ bool setRealProperty(TagList& tags, Property which, double value) { return setPr
 std::optional<bool> closed(const TagList& tags) {
     std::string_view type = tags.type();
     auto [from, to] = ownTags(tags);
-    if (type == "MLINE") return (tags.integer(kMlineFlags, from, to).value_or(0) & kMlineClosed) != 0;
+    if (const EntityKindOps* kind = kindOf(type, tags)) {
+        if (!kind->closedFlag) return std::nullopt;
+        return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
+    }
     if (type == "LWPOLYLINE" || type == "POLYLINE" || type == "SPLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
     return std::nullopt;
 }
 
 bool setClosed(TagList& tags, bool isClosed) {
     std::string_view type = tags.type();
-    std::string_view marker = type == "MLINE" ? "AcDbMline" : type == "LWPOLYLINE" ? "AcDbPolyline" : type == "SPLINE" ? "AcDbSpline" : "";
-    int code = type == "MLINE" ? kMlineFlags : gc::kFlags;
-    int bit = type == "MLINE" ? kMlineClosed : 1;
+    std::string_view marker = type == "LWPOLYLINE" ? "AcDbPolyline" : type == "SPLINE" ? "AcDbSpline" : "";
+    int code = gc::kFlags;
+    int bit = 1;
+    if (const EntityKindOps* kind = kindOf(type, tags)) {
+        if (!kind->closedFlag) return false;
+        marker = kind->closedFlag->marker;
+        code = kind->closedFlag->code;
+        bit = kind->closedFlag->bit;
+    }
     if (type == "POLYLINE") {
         auto [from, to] = tags.subclass("AcDb2dPolyline");
         marker = from == TagList::npos ? "AcDb3dPolyline" : "AcDb2dPolyline";
@@ -253,21 +264,6 @@ bool setTextContents(TagList& tags, std::string_view text) {
 }
 
 // --- Styles kept as objects -------------------------------------------------------------------------
-
-bool setMlineStyle(const Database& db, TagList& tags, std::string_view name) {
-    if (tags.type() != "MLINE") return false;
-    Handle style = namedEntry(db, "ACAD_MLINESTYLE", name);
-    if (style == kNoHandle) return false;
-    tags.setIn("AcDbMline", gc::kName, std::string(name));
-    tags.setIn("AcDbMline", kMlineStylePointer, formatHandle(style));
-    return true;
-}
-
-std::optional<std::string> mlineStyle(const TagList& tags) {
-    if (tags.type() != "MLINE") return std::nullopt;
-    auto [from, to] = tags.subclass("AcDbMline");
-    return std::string(tags.text(gc::kName, from, to).value_or("Standard"));
-}
 
 // The multileader's own tags after its context data: the context holds 340s of its own (the
 // text style), the style pointer follows the context's closing 301.

@@ -6,9 +6,9 @@
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
-#include "cad/db/MlineExplode.h"
 #include "cad/db/ObjectIdentity.h"
 #include "cad/db/Transform.h"
+#include "cad/db/kinds/EntityKindOps.h"
 #include "cad/dxf/NumberText.h"
 
 #include <array>
@@ -274,11 +274,14 @@ Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
     if (OpenStatus status = db.read(entity, tags); status != OpenStatus::Ok) return fail("cannot explode " + formatHandle(entity) + ": " + describe(status));
     if (db.blockOf(entity) == kNoHandle) return fail("cannot explode " + formatHandle(entity) + ": not an entity");
     std::string_view type = tags.type();
+    if (const EntityKindOps* kind = kindOf(type, tags)) {
+        if (kind->explode) return kind->explode(db, tags);
+        return fail("cannot explode a " + std::string(type));
+    }
     if (type == "LWPOLYLINE") return explodeLwpolyline(tags);
     if (type == "POLYLINE") return explodePolyline(tags);
     if (type == "INSERT") return explodeInsert(db, tags);
     if (type == "DIMENSION") return explodeDimension(db, tags);
-    if (type == "MLINE") return explodeMline(db, tags);
     return fail("cannot explode a " + std::string(type));
 }
 

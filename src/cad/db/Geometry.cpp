@@ -1,12 +1,8 @@
 #include "cad/db/Geometry.h"
 
 #include "cad/db/GroupCodes.h"
-#include "cad/db/MlineStyle.h"
-#include "cad/db/Transform.h"
+#include "cad/db/kinds/EntityKindOps.h"
 #include "cad/dxf/NumberText.h"
-
-#include <cmath>
-#include <numbers>
 
 namespace veltarn::db {
 namespace {
@@ -42,9 +38,9 @@ std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
 }  // namespace
 
 std::string_view geometrySubclass(std::string_view type) {
-    if (type == "LINE") return "AcDbLine";
+    static const TagList kNoTags;
+    if (const EntityKindOps* kind = kindOf(type, kNoTags)) return kind->geometrySubclass;
     if (type == "POINT") return "AcDbPoint";
-    if (type == "CIRCLE" || type == "ARC") return "AcDbCircle";
     if (type == "ELLIPSE") return "AcDbEllipse";
     if (type == "XLINE") return "AcDbXline";
     if (type == "RAY") return "AcDbRay";
@@ -57,7 +53,6 @@ std::string_view geometrySubclass(std::string_view type) {
     if (type == "WIPEOUT") return "AcDbRasterImage";
     if (type == "LWPOLYLINE") return "AcDbPolyline";
     if (type == "SPLINE") return "AcDbSpline";
-    if (type == "MLINE") return "AcDbMline";
     if (type == "HATCH") return "AcDbHatch";
     return {};
 }
@@ -196,89 +191,6 @@ bool setPointList(TagList& tags, std::string_view marker, int code, const std::v
         if (withZ) tags.insert(at++, code + 20, dxf::formatReal(p.z));
     }
     tags.setIntegerIn(marker, countCode, static_cast<std::int64_t>(points.size()));
-    return true;
-}
-
-// --- Multilines -----------------------------------------------------------------------------------------
-
-std::vector<Point3> mlineVertices(const TagList& tags) { return pointList(tags, "AcDbMline", gc::kX2); }
-
-bool setMlineVertices(const Database& db, TagList& tags, const std::vector<Point3>& given) {
-    constexpr int kJustification = 70, kFlags = 71, kVertexCount = 72, kElementCount = 73;
-    constexpr int kHasVertices = 1, kClosed = 2, kTop = 0, kBottom = 2;
-    // A vertex repeated has no segment to give it a direction: it is dropped.
-    std::vector<Point3> vertices;
-    for (const Point3& p : given)
-        if (vertices.empty() || length(p - vertices.back()) > 1e-9) vertices.push_back(p);
-    if (tags.type() != "MLINE" || vertices.size() < 2) return false;
-    auto style = mlineStyleOf(db, tags);
-    if (!style || style->elements.empty()) return false;
-    auto [from, to] = tags.subclass("AcDbMline");
-    int flags = static_cast<int>(tags.integer(kFlags, from, to).value_or(0));
-    bool closed = (flags & kClosed) != 0;
-    double scale = tags.real(gc::kReal, from, to).value_or(1);
-    int justification = static_cast<int>(tags.integer(kJustification, from, to).value_or(kTop));
-    Ocs ocs(tags.point(gc::kNormalX, from, to).value_or(Point3{0, 0, 1}));
-
-    if (closed && vertices.size() > 2 && length(vertices.back() - vertices.front()) <= 1e-9) vertices.pop_back();
-    // Directions in the multiline's plane; a segment seen edge-on takes its neighbour's.
-    const std::size_t n = vertices.size();
-    std::vector<Point3> along(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        bool last = i + 1 == n;
-        if (last && !closed) break;
-        Point3 d = ocs.fromWcs(vertices[last ? 0 : i + 1] - vertices[i]);
-        d.z = 0;
-        along[i] = length(d) > 1e-12 ? normalized(d) : Point3{};
-    }
-    if (!closed) along[n - 1] = along[n - 2];
-    for (std::size_t i = 1; i < n; ++i)
-        if (length(along[i]) == 0) along[i] = along[i - 1];
-    for (std::size_t i = n; i-- > 1;)
-        if (length(along[i - 1]) == 0) along[i - 1] = along[i];
-    if (length(along[0]) == 0) return false;  // every vertex in one place
-
-    auto left = [](const Point3& d) { return Point3{-d.y, d.x, 0}; };
-    auto turned = [](const Point3& d, double degrees) {
-        double a = degrees * std::numbers::pi / 180;
-        return Point3{d.x * std::cos(a) - d.y * std::sin(a), d.x * std::sin(a) + d.y * std::cos(a), 0};
-    };
-    double low = style->elements[0].offset, high = low;
-    for (const MlineElement& e : style->elements) low = std::min(low, e.offset), high = std::max(high, e.offset);
-    double shift = justification == kTop ? -high : justification == kBottom ? -low : 0;
-
-    TagList fresh;
-    for (std::size_t i = 0; i < n; ++i) {
-        Point3 miter;
-        if (!closed && i == 0) miter = turned(along[0], style->startAngle);
-        else if (!closed && i + 1 == n) miter = turned(along[n - 1], style->endAngle);
-        else {
-            Point3 sum = left(along[(i + n - 1) % n]) + left(along[i]);
-            miter = length(sum) > 1e-12 ? normalized(sum) : left(along[i]);
-        }
-        // Elements keep their distance from the segment: along a slanted miter they lie further out.
-        double sine = std::abs(along[i].x * miter.y - along[i].y * miter.x);
-        double stretch = sine > 1e-12 ? scale / sine : scale;
-        fresh.addPoint(gc::kX2, vertices[i]);
-        fresh.addPoint(gc::kX3, ocs.toWcs(along[i]));
-        fresh.addPoint(gc::kX4, ocs.toWcs(miter));
-        for (const MlineElement& e : style->elements) {
-            fresh.addInteger(74, 2);
-            fresh.addReal(41, (e.offset + shift) * stretch);
-            fresh.addReal(41, 0);
-            fresh.addInteger(75, 0);
-        }
-    }
-    std::size_t first = tags.find(gc::kX2, from, to);
-    std::size_t end = first == TagList::npos ? to : first;
-    while (end < to && tags[end].code < 1000) ++end;
-    if (first == TagList::npos) first = end;
-    tags.erase(first, end - first);
-    for (std::size_t i = 0; i < fresh.size(); ++i) tags.insert(first + i, fresh[i].code, fresh[i].value);
-    tags.setPointIn("AcDbMline", gc::kX, vertices[0]);
-    tags.setIntegerIn("AcDbMline", kFlags, flags | kHasVertices);
-    tags.setIntegerIn("AcDbMline", kVertexCount, static_cast<std::int64_t>(n));
-    tags.setIntegerIn("AcDbMline", kElementCount, static_cast<std::int64_t>(style->elements.size()));
     return true;
 }
 

@@ -7,28 +7,12 @@
 #include "cad/db/EntityProperties.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
+#include "cad/db/kinds/KindSupport.h"
 
 namespace veltarn::seam {
 namespace {
 
-// The quadrant points an arc from `start` to `end` (degrees, counter-clockwise) passes.
-void addArc(Extents& box, const db::Point3& center, double radius, double start, double end) {
-    auto normalized = [](double a) {
-        a = std::fmod(a, 360.0);
-        return a < 0 ? a + 360.0 : a;
-    };
-    start = normalized(start);
-    end = normalized(end);
-    if (end <= start) end += 360.0;
-    auto addAngle = [&](double degrees) {
-        const double radians = degrees * std::numbers::pi / 180.0;
-        box.add(center.x + radius * std::cos(radians), center.y + radius * std::sin(radians));
-    };
-    addAngle(start);
-    addAngle(end);
-    for (double q = 0; q < 720.0; q += 90.0)
-        if (q > start && q < end) addAngle(q);
-}
+using db::kind_support::addArc;
 
 constexpr double kDegrees = std::numbers::pi / 180.0;
 // A character of a common font is about this much of the text height wide: enough for selection.
@@ -162,13 +146,6 @@ std::optional<Extents> ellipseExtents(const db::TagList& tags) {
 
 }  // namespace
 
-void Extents::add(double x, double y) {
-    minX = std::min(minX, x);
-    maxX = std::max(maxX, x);
-    minY = std::min(minY, y);
-    maxY = std::max(maxY, y);
-}
-
 std::optional<Extents> entityExtents(const db::TagList& tags) {
     const std::string_view type = tags.type();
     Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
@@ -178,22 +155,9 @@ std::optional<Extents> entityExtents(const db::TagList& tags) {
         box.add(p.x, p.y);
         any = true;
     };
-    if (type == "CIRCLE" || type == "ARC") {
-        auto [from, to] = tags.subclass("AcDbCircle");
-        auto center = tags.point(db::gc::kX, from == db::TagList::npos ? 0 : from, to);
-        const double radius = std::abs(tags.real(db::gc::kReal, from == db::TagList::npos ? 0 : from, to).value_or(0));
-        if (!center) return std::nullopt;
-        if (type == "CIRCLE") {
-            addPoint({center->x - radius, center->y - radius, 0});
-            addPoint({center->x + radius, center->y + radius, 0});
-        } else {
-            auto [arcFrom, arcTo] = tags.subclass("AcDbArc");
-            const std::size_t begin = arcFrom == db::TagList::npos ? 0 : arcFrom;
-            addArc(box, *center, radius, tags.real(db::gc::kAngle, begin, arcTo).value_or(0),
-                   tags.real(db::gc::kAngle2, begin, arcTo).value_or(360));
-            any = true;
-        }
-    } else if (type == "ELLIPSE") {
+    if (const db::EntityKindOps* kind = db::kindOf(type, tags))
+        return kind->extents ? kind->extents(tags) : db::kind_support::pointExtents(tags, false);
+    if (type == "ELLIPSE") {
         return ellipseExtents(tags);
     } else if (type == "TEXT" || type == "ATTDEF" || type == "ATTRIB") {
         return textExtents(tags);
@@ -209,14 +173,8 @@ std::optional<Extents> entityExtents(const db::TagList& tags) {
             for (const db::Vertex& v : path.vertices) addPoint(v.point);
     } else {
         // Points of the entity's own geometry; a direction or an unused text alignment (11) is none.
-        const bool directionAt11 = type == "XLINE" || type == "RAY" || type == "MTEXT" || type == "TEXT";
-        std::size_t end = tags.find(db::gc::kStructure, 1);
-        if (end == db::TagList::npos) end = tags.size();
-        for (std::size_t i = 1; i < end; ++i) {
-            const int code = tags[i].code;
-            if (code < 10 || code > 18 || (directionAt11 && code == 11) || tags[i].code >= 1000) continue;
-            if (auto p = tags.pointAt(i)) addPoint(*p);
-        }
+        return db::kind_support::pointExtents(tags,
+                                              type == "XLINE" || type == "RAY" || type == "MTEXT" || type == "TEXT");
     }
     if (!any) return std::nullopt;
     return box;
