@@ -192,9 +192,7 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
     };
     const EntityKindOps* kind = kindOf(type, tags);
     // Kinds whose shape survives any linear map; the others need equal X and Y scales.
-    bool affine = kind ? kind->keepsShapeUnderAnyMap
-                       : type == "POINT" || type == "3DFACE" || type == "XLINE" || type == "RAY" || type == "SPLINE" ||
-                             type == "WIPEOUT";
+    bool affine = kind && kind->keepsShapeUnderAnyMap;
     if (type == "POLYLINE") affine = (tags.integer(gc::kFlags, from, to).value_or(0) & (kPolyline3d | kPolygonMesh | kPolyfaceMesh)) != 0;
     if (!affine && !p.equalXY()) return unplaceable("cannot be scaled unequally in X and Y");
     Point3 n = normalIn(tags, from, to);
@@ -206,32 +204,7 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         if (!kind->place) return unplaceable("cannot be placed");
         return kind->place(tags, from, to, p);
     }
-    if (type == "POINT" || type == "3DFACE") {
-        for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4}) mapPoints(tags, code, from, to, wcs);
-        if (type != "3DFACE") setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "XLINE" || type == "RAY") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, [&](const Point3& v) { return normalized(vector(v)); });
-    } else if (type == "SPLINE") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, wcs);
-        mapPoints(tags, gc::kX3, from, to, vector);
-        mapPoints(tags, gc::kX4, from, to, vector);
-        if (tags.find(gc::kNormalX, from, to) != TagList::npos) setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "SOLID" || type == "TRACE") {
-        PlaneMap plane(p, n);
-        placeInPlane(tags, from, to, p, plane);
-        setNormal(tags, from, to, plane.normal);
-    } else if (type == "ELLIPSE") {
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, vector);
-        if (p.mirrored) {  // the same normal side: the curve's parameter runs backwards
-            double start = tags.real(gc::kReal2, from, to).value_or(0), end = tags.real(gc::kReal3, from, to).value_or(2 * std::numbers::pi);
-            mapReals(tags, gc::kReal2, from, to, [&](double) { return std::fmod(4 * std::numbers::pi - end, 2 * std::numbers::pi); });
-            mapReals(tags, gc::kReal3, from, to, [&](double) { return std::fmod(4 * std::numbers::pi - start, 2 * std::numbers::pi); });
-        }
-        setNormal(tags, from, to, normalized(vector(n)));
-    } else if (type == "TEXT") {
+    if (type == "TEXT") {
         placeText(tags, from, to, p);
     } else if (type == "MTEXT") {
         // MTEXT has no mirror flags: its mirror image lies on the other side of its plane.
@@ -284,11 +257,6 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         return placeInsert(tags, from, to, p);
     } else if (type == "HATCH") {
         placeHatch(tags, p);
-    } else if (type == "WIPEOUT") {
-        // Insertion point and the image's U and V vectors; the clip boundary is in image units.
-        mapPoints(tags, gc::kX, from, to, wcs);
-        mapPoints(tags, gc::kX2, from, to, vector);
-        mapPoints(tags, gc::kX3, from, to, vector);
     } else {
         return unplaceable("cannot be placed");
     }

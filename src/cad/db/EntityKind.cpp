@@ -15,23 +15,15 @@ constexpr int kPolygonMesh = 16;
 constexpr int kPolyfaceMesh = 64;
 
 // The kinds whose code is not in kinds/ yet.
-constexpr std::array<std::pair<std::string_view, EntityKind>, 20> kByType{{
-    {"3DFACE", EntityKind::Face3d},
+constexpr std::array<std::pair<std::string_view, EntityKind>, 12> kByType{{
     {"3DSOLID", EntityKind::Solid3d},
-    {"ELLIPSE", EntityKind::Ellipse},
     {"HATCH", EntityKind::Hatch},
     {"MESH", EntityKind::Mesh},
     {"MULTILEADER", EntityKind::Multileader},
     {"MLEADER", EntityKind::Multileader},
     {"MPOLYGON", EntityKind::MPolygon},
     {"MTEXT", EntityKind::MText},
-    {"POINT", EntityKind::Point},
     {"LWPOLYLINE", EntityKind::LwPolyline},
-    {"RAY", EntityKind::Ray},
-    {"SPLINE", EntityKind::Spline},
-    {"WIPEOUT", EntityKind::Wipeout},
-    {"XLINE", EntityKind::Xline},
-    {"SOLID", EntityKind::Solid2d},
     {"SURFACE", EntityKind::Surface},
     {"TEXT", EntityKind::Text},
     {"DIMENSION", EntityKind::Dimension},

@@ -21,6 +21,7 @@ enum class EntityKind : std::uint8_t {
     Ray,
     Face3d,
     Solid2d,
+    Trace,
     Spline,
     Text,
     MText,

@@ -153,13 +153,13 @@ std::optional<bool> closed(const TagList& tags) {
         if (!kind->closedFlag) return std::nullopt;
         return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
     }
-    if (type == "LWPOLYLINE" || type == "POLYLINE" || type == "SPLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
+    if (type == "LWPOLYLINE" || type == "POLYLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
     return std::nullopt;
 }
 
 bool setClosed(TagList& tags, bool isClosed) {
     std::string_view type = tags.type();
-    std::string_view marker = type == "LWPOLYLINE" ? "AcDbPolyline" : type == "SPLINE" ? "AcDbSpline" : "";
+    std::string_view marker = type == "LWPOLYLINE" ? "AcDbPolyline" : "";
     int code = gc::kFlags;
     int bit = 1;
     if (const EntityKindOps* kind = kindOf(type, tags)) {

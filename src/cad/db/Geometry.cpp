@@ -40,19 +40,11 @@ std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
 std::string_view geometrySubclass(std::string_view type) {
     static const TagList kNoTags;
     if (const EntityKindOps* kind = kindOf(type, kNoTags)) return kind->geometrySubclass;
-    if (type == "POINT") return "AcDbPoint";
-    if (type == "ELLIPSE") return "AcDbEllipse";
-    if (type == "XLINE") return "AcDbXline";
-    if (type == "RAY") return "AcDbRay";
-    if (type == "3DFACE") return "AcDbFace";
-    if (type == "SOLID") return "AcDbTrace";
     if (type == "TEXT") return "AcDbText";
     if (type == "MTEXT") return "AcDbMText";
     if (type == "INSERT") return "AcDbBlockReference";
     if (type == "DIMENSION") return "AcDbDimension";
-    if (type == "WIPEOUT") return "AcDbRasterImage";
     if (type == "LWPOLYLINE") return "AcDbPolyline";
-    if (type == "SPLINE") return "AcDbSpline";
     if (type == "HATCH") return "AcDbHatch";
     return {};
 }

@@ -117,33 +117,6 @@ void addPolyline(Extents& box, const std::vector<db::Vertex>& vertices, bool clo
     }
 }
 
-// ELLIPSE: centre (10), major axis end relative to it (11), minor to major ratio (40), start and
-// end parameters (41, 42). Points are c + a cos t + b sin t; x and y are extreme where their
-// derivatives vanish.
-std::optional<Extents> ellipseExtents(const db::TagList& tags) {
-    auto center = tags.point(db::gc::kX);
-    auto axis = tags.point(db::gc::kX2);
-    if (!center || !axis) return std::nullopt;
-    const double ratio = tags.real(db::gc::kReal).value_or(1);
-    const double ax = axis->x, ay = axis->y, bx = -axis->y * ratio, by = axis->x * ratio;
-    double start = tags.real(db::gc::kReal2).value_or(0), end = tags.real(db::gc::kReal3).value_or(2 * std::numbers::pi);
-    const double turn = 2 * std::numbers::pi;
-    start = std::fmod(start, turn);
-    if (start < 0) start += turn;
-    end = std::fmod(end, turn);
-    if (end < 0) end += turn;
-    if (end <= start) end += turn;
-    Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
-    auto addAt = [&](double t) { box.add(center->x + ax * std::cos(t) + bx * std::sin(t), center->y + ay * std::cos(t) + by * std::sin(t)); };
-    addAt(start);
-    addAt(end);
-    for (double extreme : {std::atan2(bx, ax), std::atan2(by, ay)}) {
-        for (double t = extreme - turn; t < end + turn; t += std::numbers::pi)
-            if (t > start && t < end) addAt(t);
-    }
-    return box;
-}
-
 }  // namespace
 
 std::optional<Extents> entityExtents(const db::TagList& tags) {
@@ -157,9 +130,7 @@ std::optional<Extents> entityExtents(const db::TagList& tags) {
     };
     if (const db::EntityKindOps* kind = db::kindOf(type, tags))
         return kind->extents ? kind->extents(tags) : db::kind_support::pointExtents(tags, false);
-    if (type == "ELLIPSE") {
-        return ellipseExtents(tags);
-    } else if (type == "TEXT" || type == "ATTDEF" || type == "ATTRIB") {
+    if (type == "TEXT" || type == "ATTDEF" || type == "ATTRIB") {
         return textExtents(tags);
     } else if (type == "MTEXT") {
         return mtextExtents(tags);

@@ -45,6 +45,21 @@ void addArc(Extents& box, const Point3& center, double radius, double start, dou
         if (q > start && q < end) addAngle(q);
 }
 
+void addTurnedBox(Extents& box, const Point3& anchor, double dx, double dy, double width, double height,
+                  double radians) {
+    const double c = std::cos(radians), s = std::sin(radians);
+    for (double x : {dx, dx + width})
+        for (double y : {dy, dy + height})
+            box.add(anchor.x + x * c - y * s, anchor.y + x * s + y * c);
+}
+
+std::size_t shownLength(std::string_view text) {
+    std::size_t count = 0;
+    for (unsigned char c : text)
+        if ((c & 0xC0) != 0x80) ++count;  // one per UTF-8 character
+    return count;
+}
+
 std::optional<Extents> pointExtents(const TagList& tags, bool directionAt11) {
     Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
     bool any = false;

@@ -9,6 +9,7 @@
 #include "cad/dxf/NumberText.h"
 
 #include <cmath>
+#include <numbers>
 #include <optional>
 
 namespace veltarn::db::kind_support {
@@ -70,6 +71,21 @@ void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placeme
 // The box of the arc from `start` to `end` (degrees, counter-clockwise): its ends and the
 // quadrant points it passes.
 void addArc(Extents& box, const Point3& center, double radius, double start, double end);
+
+inline constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
+// A character of a common font is about this much of the text height wide: enough for selection.
+inline constexpr double kCharacterWidth = 0.6;
+// Lines of multiline text stand this many text heights apart.
+inline constexpr double kLineSpacing = 5.0 / 3.0;
+
+// The corners of a `width` by `height` box whose lower left corner lies `(dx, dy)` from `anchor`
+// before the box is turned by `radians` about the anchor.
+void addTurnedBox(Extents& box, const Point3& anchor, double dx, double dy, double width, double height,
+                  double radians);
+
+// Characters of the text as shown: format codes of multiline text ("\P", "{\fArial;...}") count
+// roughly, which is close enough for a box.
+std::size_t shownLength(std::string_view text);
 
 // The points of the entity's own geometry (codes 10 to 18); code 11 is left out where it is a
 // direction or an unused text alignment. nullopt when there is none.

@@ -9,5 +9,14 @@ extern const EntityKindOps kLine;
 extern const EntityKindOps kCircle;
 extern const EntityKindOps kArc;
 extern const EntityKindOps kMline;
+extern const EntityKindOps kPoint;
+extern const EntityKindOps kXline;
+extern const EntityKindOps kRay;
+extern const EntityKindOps kFace3d;
+extern const EntityKindOps kSolid2d;
+extern const EntityKindOps kTrace;
+extern const EntityKindOps kSpline;
+extern const EntityKindOps kWipeout;
+extern const EntityKindOps kEllipse;
 
 }  // namespace veltarn::db::kinds

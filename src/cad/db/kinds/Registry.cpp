@@ -7,11 +7,20 @@
 namespace veltarn::db {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 4> kByType{{
+constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 13> kByType{{
+    {"3DFACE", &kinds::kFace3d},
     {"ARC", &kinds::kArc},
     {"CIRCLE", &kinds::kCircle},
+    {"ELLIPSE", &kinds::kEllipse},
     {"LINE", &kinds::kLine},
     {"MLINE", &kinds::kMline},
+    {"POINT", &kinds::kPoint},
+    {"RAY", &kinds::kRay},
+    {"SOLID", &kinds::kSolid2d},
+    {"SPLINE", &kinds::kSpline},
+    {"TRACE", &kinds::kTrace},
+    {"WIPEOUT", &kinds::kWipeout},
+    {"XLINE", &kinds::kXline},
 }};
 
 }  // namespace
