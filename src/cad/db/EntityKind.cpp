@@ -15,19 +15,14 @@ constexpr int kPolygonMesh = 16;
 constexpr int kPolyfaceMesh = 64;
 
 // The kinds whose code is not in kinds/ yet.
-constexpr std::array<std::pair<std::string_view, EntityKind>, 12> kByType{{
+constexpr std::array<std::pair<std::string_view, EntityKind>, 7> kByType{{
     {"3DSOLID", EntityKind::Solid3d},
-    {"HATCH", EntityKind::Hatch},
     {"MESH", EntityKind::Mesh},
     {"MULTILEADER", EntityKind::Multileader},
     {"MLEADER", EntityKind::Multileader},
     {"MPOLYGON", EntityKind::MPolygon},
-    {"MTEXT", EntityKind::MText},
     {"LWPOLYLINE", EntityKind::LwPolyline},
     {"SURFACE", EntityKind::Surface},
-    {"TEXT", EntityKind::Text},
-    {"DIMENSION", EntityKind::Dimension},
-    {"ARC_DIMENSION", EntityKind::ArcDimension},
 }};
 
 }  // namespace
@@ -41,7 +36,6 @@ EntityKind entityKind(const TagList& tags) {
     if (const EntityKindOps* kind = kindOf(type, tags)) return kind->kind;
     for (const auto& [dxf, kind] : kByType)
         if (type == dxf) return kind;
-    if (type == "LARGE_RADIAL_DIMENSION") return EntityKind::LargeRadialDimension;
     if (type == "INSERT") {
         // A multiple insert: rows or columns above one, or its own marker.
         if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return EntityKind::MultipleInsert;

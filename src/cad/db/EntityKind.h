@@ -25,6 +25,8 @@ enum class EntityKind : std::uint8_t {
     Spline,
     Text,
     MText,
+    Attribute,
+    AttributeDefinition,
     LwPolyline,
     Polyline2d,
     Polyline3d,

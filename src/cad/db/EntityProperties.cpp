@@ -14,8 +14,7 @@ namespace {
 constexpr std::string_view kEntity = "AcDbEntity";
 constexpr int kMtextChunk = 3;          // MTEXT text in 250-byte pieces before the final 1
 constexpr std::size_t kChunkBytes = 250;
-constexpr int kSolidFill = 70;          // HATCH: 1 solid, 0 pattern
-constexpr int kPatternAngle = 52;
+constexpr int kSolidFill = 70;  // HATCH: 1 solid, 0 pattern
 constexpr int kPolylineElevation = 38;
 constexpr int kStartWidth = 40, kEndWidth = 41;
 constexpr int kMleaderStylePointer = 340;
@@ -29,29 +28,17 @@ struct Place {
     PropertyPlace place;
 };
 
-constexpr std::array<Place, 20> kPlaces{{
+constexpr std::array<Place, 9> kPlaces{{
     {"INSERT", {Property::BlockName, "AcDbBlockReference", 2, ""}},
     {"INSERT", {Property::ScaleX, "AcDbBlockReference", 41, "1"}},
     {"INSERT", {Property::ScaleY, "AcDbBlockReference", 42, "1"}},
     {"INSERT", {Property::ScaleZ, "AcDbBlockReference", 43, "1"}},
     {"INSERT", {Property::Rotation, "AcDbBlockReference", 50, "0"}},
-    {"TEXT", {Property::Rotation, "AcDbText", 50, "0"}},
-    {"MTEXT", {Property::Rotation, "AcDbMText", 50, "0"}},
     {"LWPOLYLINE", {Property::ConstantWidth, "AcDbPolyline", 43, "0"}},
     {"POLYLINE", {Property::ConstantWidth, "AcDb2dPolyline", kStartWidth, "0"}},
     {"LWPOLYLINE", {Property::Elevation, "AcDbPolyline", kPolylineElevation, "0"}},
     {"POLYLINE", {Property::Elevation, "AcDb2dPolyline", 30, "0"}},
-    {"HATCH", {Property::Elevation, "AcDbHatch", 30, "0"}},
-    {"HATCH", {Property::PatternName, "AcDbHatch", 2, ""}},
-    {"HATCH", {Property::PatternAngle, "AcDbHatch", kPatternAngle, "0"}},
-    {"HATCH", {Property::PatternScale, "AcDbHatch", 41, "1"}},
-    {"DIMENSION", {Property::DimensionStyle, "AcDbDimension", 3, "Standard"}},
-    {"TEXT", {Property::TextStyle, "AcDbText", 7, "Standard"}},
-    {"MTEXT", {Property::TextStyle, "AcDbMText", 7, "Standard"}},
-    {"TEXT", {Property::TextHeight, "AcDbText", 40, ""}},
-    {"MTEXT", {Property::TextHeight, "AcDbMText", 40, ""}},
 }};
-constexpr PropertyPlace kAttachment{Property::AttachmentPoint, "AcDbMText", 71, "1"};
 
 const PropertyPlace* placeOf(const TagList& tags, Property which) {
     std::string_view type = tags.type();
@@ -60,11 +47,8 @@ const PropertyPlace* placeOf(const TagList& tags, Property which) {
             if (place.property == which) return &place;
         return nullptr;
     }
-    if (which == Property::AttachmentPoint) return type == "MTEXT" ? &kAttachment : nullptr;
     for (const Place& entry : kPlaces)
-        if (entry.place.property == which &&
-            (entry.type == type || (entry.type == "DIMENSION" && type.ends_with("DIMENSION"))))
-            return &entry.place;
+        if (entry.place.property == which && entry.type == type) return &entry.place;
     return nullptr;
 }
 
@@ -180,48 +164,6 @@ bool setClosed(TagList& tags, bool isClosed) {
 }
 
 // --- Text ----------------------------------------------------------------------------------------
-
-// TEXT keeps its vertical alignment (73) in a second AcDbText subclass.
-static std::pair<std::size_t, std::size_t> secondTextSubclass(const TagList& tags) {
-    auto [from, to] = ownTags(tags);
-    if (!tags.hasMarkers()) return {from, to};
-    std::size_t first = tags.find(gc::kSubclass, "AcDbText", 0, to);
-    std::size_t second = first == TagList::npos ? TagList::npos : tags.find(gc::kSubclass, "AcDbText", first + 1, to);
-    if (second == TagList::npos) return {TagList::npos, TagList::npos};
-    std::size_t end = tags.find(gc::kSubclass, second + 1, to);
-    return {second + 1, end == TagList::npos ? to : end};
-}
-
-std::optional<int> textJustification(const TagList& tags) {
-    if (tags.type() != "TEXT") return std::nullopt;
-    auto [from, to] = tags.subclass("AcDbText");
-    int horizontal = static_cast<int>(tags.integer(gc::kInt72, from, to).value_or(0));
-    auto [vFrom, vTo] = secondTextSubclass(tags);
-    int vertical = vFrom == TagList::npos ? 0 : static_cast<int>(tags.integer(gc::kInt73, vFrom, vTo).value_or(0));
-    if (vertical == 0 || horizontal > 2) return horizontal;
-    return 6 + (3 - vertical) * 3 + horizontal;
-}
-
-bool setTextJustification(TagList& tags, int justification) {
-    if (tags.type() != "TEXT" || justification < 0 || justification > 14) return false;
-    int horizontal = justification <= 5 ? justification : (justification - 6) % 3;
-    int vertical = justification <= 5 ? 0 : 3 - (justification - 6) / 3;
-    tags.setIntegerIn("AcDbText", gc::kInt72, horizontal);
-    // Any justification but left needs the alignment point; it starts at the insertion point.
-    auto [from, to] = tags.subclass("AcDbText");
-    if (justification != 0 && tags.find(gc::kX2, from, to) == TagList::npos)
-        tags.setPointIn("AcDbText", gc::kX2, tags.point(gc::kX, from, to).value_or(Point3{}));
-    auto [vFrom, vTo] = secondTextSubclass(tags);
-    if (vFrom == TagList::npos) {
-        auto [own, end] = ownTags(tags);
-        (void)own;
-        tags.insert(end, gc::kSubclass, "AcDbText");
-        tags.insert(end + 1, gc::kInt73, std::to_string(vertical));
-        return true;
-    }
-    tags.set(gc::kInt73, std::to_string(vertical), vFrom, vTo);
-    return true;
-}
 
 std::optional<std::string> textContents(const TagList& tags) {
     std::string_view type = tags.type();

@@ -255,18 +255,6 @@ Result<std::vector<TagList>> explodeInsert(const Database& db, const TagList& ta
     return out;
 }
 
-Result<std::vector<TagList>> explodeDimension(const Database& db, const TagList& tags) {
-    std::size_t end = ownEnd(tags);
-    auto [from, to] = tags.hasMarkers() ? tags.subclass("AcDbDimension") : std::pair<std::size_t, std::size_t>{1, end};
-    std::string name(dxf::trimSpaces(tags.text(gc::kName, from, to).value_or("")));
-    Handle block = name.empty() ? kNoHandle : db.findBlock(name);
-    if (block == kNoHandle) return fail("cannot explode a dimension that has no block");
-    // A dimension's block is drawn in place: its entities are already where the dimension shows them.
-    std::vector<TagList> out;
-    for (Handle entity : db.entitiesOf(block)) out.push_back(detached(db.tags(entity)));
-    return out;
-}
-
 }  // namespace
 
 Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
@@ -281,7 +269,6 @@ Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
     if (type == "LWPOLYLINE") return explodeLwpolyline(tags);
     if (type == "POLYLINE") return explodePolyline(tags);
     if (type == "INSERT") return explodeInsert(db, tags);
-    if (type == "DIMENSION") return explodeDimension(db, tags);
     return fail("cannot explode a " + std::string(type));
 }
 

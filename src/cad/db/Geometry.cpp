@@ -2,10 +2,15 @@
 
 #include "cad/db/GroupCodes.h"
 #include "cad/db/kinds/EntityKindOps.h"
+#include "cad/db/kinds/KindSupport.h"
 #include "cad/dxf/NumberText.h"
 
 namespace veltarn::db {
 namespace {
+
+using kind_support::dataEnd;
+using kind_support::intAt;
+using kind_support::realAt;
 
 constexpr int kVertexCount = 90;     // LWPOLYLINE
 constexpr int kElevation = 38;       // LWPOLYLINE
@@ -15,24 +20,10 @@ constexpr int kVertexFlags = 70;
 constexpr int kPolyline3dFlag = 8;
 constexpr int kVertex3dFlag = 32;
 constexpr int kFaceRecordFlag = 128, kMeshVertexFlag = 64;
-// HATCH boundary data.
-constexpr int kPathCount = 91, kPathFlags = 92, kEdgeCount = 93, kEdgeType = 72, kHasBulge = 72, kIsClosed = 73;
-constexpr int kSourceCount = 97, kSplineKnots = 95, kSplineControls = 96, kSplineRational = 73;
-constexpr int kPolylinePathFlag = 2;
-
-double realAt(const TagList& tags, std::size_t i) { return dxf::parseReal(tags[i].value).value_or(0); }
-std::int64_t intAt(const TagList& tags, std::size_t i) { return dxf::parseInteger(tags[i].value).value_or(0); }
 
 std::pair<std::size_t, std::size_t> ownTags(const TagList& tags) {
     std::size_t end = tags.find(gc::kStructure, 1);
     return {1, end == TagList::npos ? tags.size() : end};
-}
-
-// The end of a subclass's geometry: before its extrusion and any xdata.
-std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
-    for (std::size_t i = from; i < to; ++i)
-        if (tags[i].code == gc::kNormalX || tags[i].code >= 1000) return i;
-    return to;
 }
 
 }  // namespace
@@ -40,12 +31,8 @@ std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
 std::string_view geometrySubclass(std::string_view type) {
     static const TagList kNoTags;
     if (const EntityKindOps* kind = kindOf(type, kNoTags)) return kind->geometrySubclass;
-    if (type == "TEXT") return "AcDbText";
-    if (type == "MTEXT") return "AcDbMText";
     if (type == "INSERT") return "AcDbBlockReference";
-    if (type == "DIMENSION") return "AcDbDimension";
     if (type == "LWPOLYLINE") return "AcDbPolyline";
-    if (type == "HATCH") return "AcDbHatch";
     return {};
 }
 
@@ -183,129 +170,6 @@ bool setPointList(TagList& tags, std::string_view marker, int code, const std::v
         if (withZ) tags.insert(at++, code + 20, dxf::formatReal(p.z));
     }
     tags.setIntegerIn(marker, countCode, static_cast<std::int64_t>(points.size()));
-    return true;
-}
-
-// --- Hatch boundaries ----------------------------------------------------------------------------------
-
-namespace {
-
-// Tags an edge of this type holds after its type tag (splines are counted as they are read).
-std::size_t fixedEdgeLength(int type) { return type == 1 ? 4 : type == 2 ? 6 : type == 3 ? 8 : 0; }
-
-// Reads the paths starting after the path-count tag; returns the index after the last path.
-std::size_t readPaths(const TagList& tags, std::size_t i, std::size_t to, std::int64_t count, std::vector<HatchPath>& out) {
-    for (std::int64_t p = 0; p < count && i < to; ++p) {
-        if (tags[i].code != kPathFlags) break;
-        HatchPath path;
-        path.flags = static_cast<int>(intAt(tags, i++));
-        if (path.flags & kPolylinePathFlag) {
-            bool bulges = i < to && tags[i].code == kHasBulge && intAt(tags, i) != 0;
-            if (i < to && tags[i].code == kHasBulge) ++i;
-            if (i < to && tags[i].code == kIsClosed) path.closed = intAt(tags, i++) != 0;
-            std::int64_t n = i < to && tags[i].code == kEdgeCount ? intAt(tags, i++) : 0;
-            for (std::int64_t v = 0; v < n && i + 1 < to; ++v) {
-                Vertex vertex;
-                vertex.point.x = realAt(tags, i++);
-                vertex.point.y = realAt(tags, i++);
-                if (bulges && i < to && tags[i].code == kBulge) vertex.bulge = realAt(tags, i++);
-                path.vertices.push_back(vertex);
-            }
-        } else {
-            std::int64_t n = i < to && tags[i].code == kEdgeCount ? intAt(tags, i++) : 0;
-            for (std::int64_t e = 0; e < n && i < to && tags[i].code == kEdgeType; ++e) {
-                HatchEdge edge;
-                edge.type = static_cast<int>(intAt(tags, i++));
-                std::size_t length = fixedEdgeLength(edge.type);
-                std::size_t end = i + length;
-                if (edge.type == 4) {
-                    // degree, rational, periodic, knot count, control count, knots, controls (+ weights), fit data.
-                    std::size_t j = i;
-                    bool rational = false;
-                    std::int64_t knots = 0, controls = 0;
-                    for (; j < to && j < i + 5; ++j) {
-                        if (tags[j].code == kSplineRational) rational = intAt(tags, j) != 0;
-                        if (tags[j].code == kSplineKnots) knots = intAt(tags, j);
-                        if (tags[j].code == kSplineControls) controls = intAt(tags, j);
-                    }
-                    j += static_cast<std::size_t>(knots) + static_cast<std::size_t>(controls) * (rational ? 3 : 2);
-                    if (j + 1 < to && tags[j].code == kSourceCount) {
-                        std::int64_t fit = intAt(tags, j);
-                        int next = tags[j + 1].code;
-                        if ((fit > 0 && next == gc::kX2) || (fit == 0 && (next == kSourceCount || next == gc::kX3))) {
-                            j += 1 + static_cast<std::size_t>(fit) * 2;
-                            if (j < to && tags[j].code == gc::kX3) j += 4;  // start and end tangents
-                        }
-                    }
-                    end = j;
-                }
-                end = std::min(end, to);
-                for (; i < end; ++i) edge.data.add(tags[i].code, tags[i].value);
-                path.edges.push_back(std::move(edge));
-            }
-        }
-        if (i < to && tags[i].code == kSourceCount) {
-            std::int64_t n = intAt(tags, i++);
-            for (std::int64_t s = 0; s < n && i < to && tags[i].code == gc::kSoftPointer; ++s)
-                path.sources.push_back(parseHandle(tags[i++].value).value_or(kNoHandle));
-        }
-        out.push_back(std::move(path));
-    }
-    return i;
-}
-
-}  // namespace
-
-std::vector<HatchPath> hatchPaths(const TagList& tags) {
-    std::vector<HatchPath> out;
-    auto [from, to] = tags.subclass("AcDbHatch");
-    if (from == TagList::npos) return out;
-    std::size_t at = tags.find(kPathCount, from, to);
-    if (at == TagList::npos) return out;
-    readPaths(tags, at + 1, to, intAt(tags, at), out);
-    return out;
-}
-
-bool setHatchPaths(TagList& tags, const std::vector<HatchPath>& paths) {
-    if (tags.type() != "HATCH") return false;
-    auto [from, to] = tags.subclass("AcDbHatch");
-    if (from == TagList::npos) return false;
-    std::size_t at = tags.find(kPathCount, from, to);
-    std::size_t end;
-    if (at == TagList::npos) {
-        at = dataEnd(tags, from, to);
-        end = at;
-    } else {
-        std::vector<HatchPath> old;
-        end = readPaths(tags, at + 1, to, intAt(tags, at), old);
-    }
-    TagList fresh;
-    fresh.addInteger(kPathCount, static_cast<std::int64_t>(paths.size()));
-    for (const HatchPath& path : paths) {
-        bool polyline = !path.vertices.empty() || (path.flags & kPolylinePathFlag);
-        fresh.addInteger(kPathFlags, polyline ? (path.flags | kPolylinePathFlag) : (path.flags & ~kPolylinePathFlag));
-        if (polyline) {
-            bool bulges = false;
-            for (const Vertex& v : path.vertices) bulges = bulges || v.bulge != 0;
-            fresh.addInteger(kHasBulge, bulges ? 1 : 0);
-            fresh.addInteger(kIsClosed, path.closed ? 1 : 0);
-            fresh.addInteger(kEdgeCount, static_cast<std::int64_t>(path.vertices.size()));
-            for (const Vertex& v : path.vertices) {
-                fresh.addPoint2(gc::kX, v.point.x, v.point.y);
-                if (bulges) fresh.addReal(kBulge, v.bulge);
-            }
-        } else {
-            fresh.addInteger(kEdgeCount, static_cast<std::int64_t>(path.edges.size()));
-            for (const HatchEdge& edge : path.edges) {
-                fresh.addInteger(kEdgeType, edge.type);
-                for (const TagValue& tag : edge.data) fresh.add(tag.code, tag.value);
-            }
-        }
-        fresh.addInteger(kSourceCount, static_cast<std::int64_t>(path.sources.size()));
-        for (Handle source : path.sources) fresh.add(gc::kSoftPointer, formatHandle(source));
-    }
-    tags.erase(at, end - at);
-    for (std::size_t i = 0; i < fresh.size(); ++i) tags.insert(at + i, fresh[i].code, fresh[i].value);
     return true;
 }
 

@@ -74,7 +74,8 @@ TEST(EntityKinds, SplitDxfTypesWhereTheirFlagsMakeAnotherKind) {
     TagList minsert{{0, "INSERT"}, {100, "AcDbEntity"}, {100, "AcDbMInsertBlock"}, {2, "B"}, {70, "3"}, {71, "2"}};
     EXPECT_EQ(entityKind(minsert), MultipleInsert);
     EXPECT_EQ(entityKind(TagList{{0, "POLYLINE"}, {70, "16"}}), PolygonMesh);
-    EXPECT_EQ(entityKind(TagList{{0, "ATTDEF"}}), Other);
+    EXPECT_EQ(entityKind(TagList{{0, "ATTDEF"}}), AttributeDefinition);
+    EXPECT_EQ(entityKind(TagList{{0, "IMAGE"}}), Other);
 }
 
 TEST(EntityProperties, CommonPropertiesAreWrittenAsOtherReadersExpect) {

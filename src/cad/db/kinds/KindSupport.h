@@ -18,6 +18,19 @@ using namespace explode_support;
 
 inline std::string real(double v) { return dxf::formatReal(v); }
 
+inline double realAt(const TagList& tags, std::size_t i) { return dxf::parseReal(tags[i].value).value_or(0); }
+inline std::int64_t intAt(const TagList& tags, std::size_t i) { return dxf::parseInteger(tags[i].value).value_or(0); }
+
+// The end of a subclass's geometry: before its extrusion and any xdata.
+inline std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i)
+        if (tags[i].code == gc::kNormalX || tags[i].code >= 1000) return i;
+    return to;
+}
+
+// The entity's own tags, after its type and before its first VERTEX, ATTRIB or SEQEND.
+inline std::pair<std::size_t, std::size_t> ownTags(const TagList& tags) { return {1, ownEnd(tags)}; }
+
 // One OCS entity's plane under the placement: its new normal and how angles turn. A mirrored
 // placement keeps the normal's side (drawings stay in plan view) and runs angles the other way.
 struct PlaneMap {

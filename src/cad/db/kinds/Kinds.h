@@ -1,6 +1,7 @@
 // The kinds the registry knows, one definition in each kind's file.
 #pragma once
 
+#include "cad/db/BlockPlacement.h"
 #include "cad/db/kinds/EntityKindOps.h"
 
 namespace veltarn::db::kinds {
@@ -18,5 +19,17 @@ extern const EntityKindOps kTrace;
 extern const EntityKindOps kSpline;
 extern const EntityKindOps kWipeout;
 extern const EntityKindOps kEllipse;
+extern const EntityKindOps kText;
+extern const EntityKindOps kAttribute;
+extern const EntityKindOps kAttributeDefinition;
+extern const EntityKindOps kMText;
+extern const EntityKindOps kHatch;
+extern const EntityKindOps kDimension;
+extern const EntityKindOps kArcDimension;
+extern const EntityKindOps kLargeRadialDimension;
+
+// TEXT, ATTRIB and ATTDEF placed under a block reference; a placed INSERT places its attributes
+// with it.
+void placeText(TagList& tags, std::size_t from, std::size_t to, const Placement& p);
 
 }  // namespace veltarn::db::kinds

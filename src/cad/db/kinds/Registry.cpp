@@ -7,17 +7,25 @@
 namespace veltarn::db {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 13> kByType{{
+constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 21> kByType{{
     {"3DFACE", &kinds::kFace3d},
     {"ARC", &kinds::kArc},
+    {"ARC_DIMENSION", &kinds::kArcDimension},
+    {"ATTDEF", &kinds::kAttributeDefinition},
+    {"ATTRIB", &kinds::kAttribute},
     {"CIRCLE", &kinds::kCircle},
+    {"DIMENSION", &kinds::kDimension},
     {"ELLIPSE", &kinds::kEllipse},
+    {"HATCH", &kinds::kHatch},
+    {"LARGE_RADIAL_DIMENSION", &kinds::kLargeRadialDimension},
     {"LINE", &kinds::kLine},
     {"MLINE", &kinds::kMline},
+    {"MTEXT", &kinds::kMText},
     {"POINT", &kinds::kPoint},
     {"RAY", &kinds::kRay},
     {"SOLID", &kinds::kSolid2d},
     {"SPLINE", &kinds::kSpline},
+    {"TEXT", &kinds::kText},
     {"TRACE", &kinds::kTrace},
     {"WIPEOUT", &kinds::kWipeout},
     {"XLINE", &kinds::kXline},
