@@ -77,23 +77,7 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
         if (!kind->place) return unplaceable("cannot be placed");
         return kind->place(tags, from, to, p);
     }
-    if (type == "LWPOLYLINE") {
-        PlaneMap plane(p, n);
-        double elevation = tags.real(kElevation, from, to).value_or(0);
-        double newElevation = plane.point({0, 0, elevation}).z;
-        for (std::size_t i = from; i < to; ++i) {
-            if (tags[i].code != gc::kX) continue;
-            Point3 q = plane.point({dxf::parseReal(tags[i].value).value_or(0),
-                                    i + 1 < to && tags[i + 1].code == 20 ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
-            tags[i].value = real(q.x);
-            if (i + 1 < to && tags[i + 1].code == 20) tags[i + 1].value = real(q.y);
-            newElevation = q.z;
-        }
-        for (int code : {kStartWidth, kEndWidth, kConstantWidth}) mapReals(tags, code, from, to, lengths);
-        if (p.mirrored) mapReals(tags, kBulge, from, to, [](double b) { return -b; });
-        if (newElevation != 0 || tags.find(kElevation, from, to) != TagList::npos) tags.setRealIn("AcDbPolyline", kElevation, newElevation);
-        setNormal(tags, from, ownEnd(tags), plane.normal);
-    } else if (type == "POLYLINE") {
+    if (type == "POLYLINE") {
         bool planar = !affine;
         PlaneMap plane(p, n);
         auto mapVertex = [&](const Point3& q) { return planar ? plane.point(q) : wcs(q); };

@@ -15,13 +15,12 @@ constexpr int kPolygonMesh = 16;
 constexpr int kPolyfaceMesh = 64;
 
 // The kinds whose code is not in kinds/ yet.
-constexpr std::array<std::pair<std::string_view, EntityKind>, 7> kByType{{
+constexpr std::array<std::pair<std::string_view, EntityKind>, 6> kByType{{
     {"3DSOLID", EntityKind::Solid3d},
     {"MESH", EntityKind::Mesh},
     {"MULTILEADER", EntityKind::Multileader},
     {"MLEADER", EntityKind::Multileader},
     {"MPOLYGON", EntityKind::MPolygon},
-    {"LWPOLYLINE", EntityKind::LwPolyline},
     {"SURFACE", EntityKind::Surface},
 }};
 

@@ -15,7 +15,6 @@ constexpr std::string_view kEntity = "AcDbEntity";
 constexpr int kMtextChunk = 3;          // MTEXT text in 250-byte pieces before the final 1
 constexpr std::size_t kChunkBytes = 250;
 constexpr int kSolidFill = 70;  // HATCH: 1 solid, 0 pattern
-constexpr int kPolylineElevation = 38;
 constexpr int kStartWidth = 40, kEndWidth = 41;
 constexpr int kMleaderStylePointer = 340;
 constexpr int kBackgroundFlags = 90, kBackgroundColor = 63, kBackgroundRgb = 421, kBackgroundScale = 45, kBackgroundTransparency = 441;
@@ -28,15 +27,13 @@ struct Place {
     PropertyPlace place;
 };
 
-constexpr std::array<Place, 9> kPlaces{{
+constexpr std::array<Place, 7> kPlaces{{
     {"INSERT", {Property::BlockName, "AcDbBlockReference", 2, ""}},
     {"INSERT", {Property::ScaleX, "AcDbBlockReference", 41, "1"}},
     {"INSERT", {Property::ScaleY, "AcDbBlockReference", 42, "1"}},
     {"INSERT", {Property::ScaleZ, "AcDbBlockReference", 43, "1"}},
     {"INSERT", {Property::Rotation, "AcDbBlockReference", 50, "0"}},
-    {"LWPOLYLINE", {Property::ConstantWidth, "AcDbPolyline", 43, "0"}},
     {"POLYLINE", {Property::ConstantWidth, "AcDb2dPolyline", kStartWidth, "0"}},
-    {"LWPOLYLINE", {Property::Elevation, "AcDbPolyline", kPolylineElevation, "0"}},
     {"POLYLINE", {Property::Elevation, "AcDb2dPolyline", 30, "0"}},
 }};
 
@@ -137,13 +134,13 @@ std::optional<bool> closed(const TagList& tags) {
         if (!kind->closedFlag) return std::nullopt;
         return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
     }
-    if (type == "LWPOLYLINE" || type == "POLYLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
+    if (type == "POLYLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
     return std::nullopt;
 }
 
 bool setClosed(TagList& tags, bool isClosed) {
     std::string_view type = tags.type();
-    std::string_view marker = type == "LWPOLYLINE" ? "AcDbPolyline" : "";
+    std::string_view marker;
     int code = gc::kFlags;
     int bit = 1;
     if (const EntityKindOps* kind = kindOf(type, tags)) {

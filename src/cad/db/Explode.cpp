@@ -9,6 +9,7 @@
 #include "cad/db/ObjectIdentity.h"
 #include "cad/db/Transform.h"
 #include "cad/db/kinds/EntityKindOps.h"
+#include "cad/db/kinds/KindSupport.h"
 #include "cad/dxf/NumberText.h"
 
 #include <array>
@@ -17,72 +18,11 @@
 
 namespace veltarn::db {
 
-using namespace explode_support;
+using namespace kind_support;
 
 namespace {
 
 constexpr int kAttributeInvisible = 1, kAttributeConstant = 2;
-
-// --- Pieces of polylines ----------------------------------------------------------------------
-
-struct PathVertex {
-    Point3 point;  // OCS for 2D polylines, WCS for 3D ones
-    double bulge = 0;
-};
-
-void addSegments(std::vector<TagList>& out, const TagList& source, const std::vector<PathVertex>& vertices, bool closed,
-                 bool planar, const Point3& normal, double thickness) {
-    bool modern = source.hasMarkers();
-    Ocs ocs(normal);
-    std::size_t n = vertices.size();
-    std::size_t count = closed ? n : (n == 0 ? 0 : n - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        const PathVertex& a = vertices[i];
-        const PathVertex& b = vertices[(i + 1) % n];
-        if (a.point == b.point) continue;
-        if (!planar || a.bulge == 0) {
-            TagList line = pieceStart(source, "LINE");
-            if (modern) line.add(gc::kSubclass, "AcDbLine");
-            if (thickness != 0) line.addReal(gc::kThickness, thickness);
-            line.addPoint(gc::kX, planar ? ocs.toWcs(a.point) : a.point);
-            line.addPoint(gc::kX2, planar ? ocs.toWcs(b.point) : b.point);
-            if (planar) addNormal(line, normal);
-            out.push_back(std::move(line));
-            continue;
-        }
-        // The arc through a and b whose bulge is tan(included angle / 4); negative bulges turn clockwise.
-        Point3 chord = b.point - a.point;
-        double d = std::hypot(chord.x, chord.y);
-        Point3 left{-chord.y / d, chord.x / d, 0};
-        Point3 mid = (a.point + b.point) * 0.5;
-        Point3 center = mid + left * (d * (1 - a.bulge * a.bulge) / (4 * a.bulge));
-        double radius = d * (1 + a.bulge * a.bulge) / (4 * std::abs(a.bulge));
-        double from = std::atan2(a.point.y - center.y, a.point.x - center.x) * kDegrees;
-        double to = std::atan2(b.point.y - center.y, b.point.x - center.x) * kDegrees;
-        if (a.bulge < 0) std::swap(from, to);  // arcs always run counter-clockwise
-        TagList arc = pieceStart(source, "ARC");
-        if (modern) arc.add(gc::kSubclass, "AcDbCircle");
-        if (thickness != 0) arc.addReal(gc::kThickness, thickness);
-        arc.addPoint(gc::kX, {center.x, center.y, a.point.z});
-        arc.addReal(gc::kReal, radius);
-        addNormal(arc, normal);
-        if (modern) arc.add(gc::kSubclass, "AcDbArc");
-        arc.addReal(gc::kAngle, from < 0 ? from + 360 : from);
-        arc.addReal(gc::kAngle2, to < 0 ? to + 360 : to);
-        out.push_back(std::move(arc));
-    }
-}
-
-Result<std::vector<TagList>> explodeLwpolyline(const TagList& tags) {
-    auto [from, to] = tags.subclass("AcDbPolyline");
-    if (from == TagList::npos) return fail("a LWPOLYLINE without its AcDbPolyline data");
-    std::vector<PathVertex> vertices;
-    for (const Vertex& v : polylineVertices(tags)) vertices.push_back({v.point, v.bulge});
-    std::vector<TagList> out;
-    addSegments(out, tags, vertices, closed(tags).value_or(false), true, normalIn(tags, from, to),
-                tags.real(gc::kThickness, from, to).value_or(0));
-    return out;
-}
 
 // --- The VERTEX entities of polylines and meshes, and meshes as 3DFACEs -------------------------------------------------------------------------------
 
@@ -266,7 +206,6 @@ Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
         if (kind->explode) return kind->explode(db, tags);
         return fail("cannot explode a " + std::string(type));
     }
-    if (type == "LWPOLYLINE") return explodeLwpolyline(tags);
     if (type == "POLYLINE") return explodePolyline(tags);
     if (type == "INSERT") return explodeInsert(db, tags);
     return fail("cannot explode a " + std::string(type));

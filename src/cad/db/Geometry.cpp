@@ -12,8 +12,6 @@ using kind_support::dataEnd;
 using kind_support::intAt;
 using kind_support::realAt;
 
-constexpr int kVertexCount = 90;     // LWPOLYLINE
-constexpr int kElevation = 38;       // LWPOLYLINE
 constexpr int kBulge = 42;
 constexpr int kStartWidth = 40, kEndWidth = 41;
 constexpr int kVertexFlags = 70;
@@ -32,7 +30,6 @@ std::string_view geometrySubclass(std::string_view type) {
     static const TagList kNoTags;
     if (const EntityKindOps* kind = kindOf(type, kNoTags)) return kind->geometrySubclass;
     if (type == "INSERT") return "AcDbBlockReference";
-    if (type == "LWPOLYLINE") return "AcDbPolyline";
     return {};
 }
 
@@ -40,19 +37,8 @@ std::string_view geometrySubclass(std::string_view type) {
 
 std::vector<Vertex> polylineVertices(const TagList& tags) {
     std::vector<Vertex> out;
-    if (tags.type() == "LWPOLYLINE") {
-        auto [from, to] = tags.subclass("AcDbPolyline");
-        double z = tags.real(kElevation, from, to).value_or(0);
-        to = dataEnd(tags, from, to);
-        for (std::size_t i = from; i < to; ++i) {
-            int code = tags[i].code;
-            if (code == gc::kX) out.push_back({{realAt(tags, i), 0, z}});
-            else if (out.empty()) continue;
-            else if (code == gc::kX + 10) out.back().point.y = realAt(tags, i);
-            else if (code == kStartWidth) out.back().startWidth = realAt(tags, i);
-            else if (code == kEndWidth) out.back().endWidth = realAt(tags, i);
-            else if (code == kBulge) out.back().bulge = realAt(tags, i);
-        }
+    if (const EntityKindOps* kind = kindOf(tags)) {
+        if (kind->vertices) out = kind->vertices(tags);
         return out;
     }
     if (tags.type() != "POLYLINE") return out;
@@ -73,28 +59,7 @@ std::vector<Vertex> polylineVertices(const TagList& tags) {
 }
 
 bool setPolylineVertices(Database& db, TagList& tags, const std::vector<Vertex>& vertices) {
-    if (tags.type() == "LWPOLYLINE") {
-        auto [from, to] = tags.subclass("AcDbPolyline");
-        if (from == TagList::npos) return false;
-        std::size_t end = dataEnd(tags, from, to);
-        std::size_t first = tags.find(gc::kX, from, end);
-        std::size_t at = first == TagList::npos ? end : first;
-        // The vertex tags run from the first 10 to the end of the geometry.
-        if (first != TagList::npos) tags.erase(first, end - first);
-        TagList fresh;
-        for (const Vertex& v : vertices) {
-            fresh.addPoint2(gc::kX, v.point.x, v.point.y);
-            if (v.startWidth != 0 || v.endWidth != 0) {
-                fresh.addReal(kStartWidth, v.startWidth);
-                fresh.addReal(kEndWidth, v.endWidth);
-            }
-            if (v.bulge != 0) fresh.addReal(kBulge, v.bulge);
-        }
-        for (std::size_t i = 0; i < fresh.size(); ++i) tags.insert(at + i, fresh[i].code, fresh[i].value);
-        tags.setIntegerIn("AcDbPolyline", kVertexCount, static_cast<std::int64_t>(vertices.size()));
-        if (!vertices.empty() && vertices[0].point.z != 0) tags.setRealIn("AcDbPolyline", kElevation, vertices[0].point.z);
-        return true;
-    }
+    if (const EntityKindOps* kind = kindOf(tags)) return kind->setVertices && kind->setVertices(db, tags, vertices);
     if (tags.type() != "POLYLINE") return false;
     auto [own, ownEnd] = ownTags(tags);
     (void)own;

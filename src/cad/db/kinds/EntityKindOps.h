@@ -8,6 +8,7 @@
 #include "cad/db/EntityKind.h"
 #include "cad/db/EntityProperties.h"
 #include "cad/db/Extents.h"
+#include "cad/db/Geometry.h"
 
 #include <optional>
 #include <span>
@@ -46,6 +47,9 @@ struct EntityKindOps {
     // Rewrites the entity (own tags [from, to), detached) where a block reference shows it; null
     // when the kind cannot be placed.
     Result<void> (*place)(TagList& tags, std::size_t from, std::size_t to, const Placement& p) = nullptr;
+    // Its vertices with bulges and widths (polylineVertices) and writing them; null when it has none.
+    std::vector<Vertex> (*vertices)(const TagList& tags) = nullptr;
+    bool (*setVertices)(Database& db, TagList& tags, const std::vector<Vertex>& vertices) = nullptr;
     // Its 2D box; null: the points of its geometry (codes 10 to 18).
     std::optional<Extents> (*extents)(const TagList& tags) = nullptr;
     // The entities it breaks into; null when the kind is not exploded.

@@ -27,6 +27,71 @@ void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placeme
     mapReals(tags, gc::kReal, from, to, [&](double v) { return v * p.size; });
 }
 
+void addSegments(std::vector<TagList>& out, const TagList& source, const std::vector<PathVertex>& vertices, bool closed,
+                 bool planar, const Point3& normal, double thickness) {
+    bool modern = source.hasMarkers();
+    Ocs ocs(normal);
+    std::size_t n = vertices.size();
+    std::size_t count = closed ? n : (n == 0 ? 0 : n - 1);
+    for (std::size_t i = 0; i < count; ++i) {
+        const PathVertex& a = vertices[i];
+        const PathVertex& b = vertices[(i + 1) % n];
+        if (a.point == b.point) continue;
+        if (!planar || a.bulge == 0) {
+            TagList line = pieceStart(source, "LINE");
+            if (modern) line.add(gc::kSubclass, "AcDbLine");
+            if (thickness != 0) line.addReal(gc::kThickness, thickness);
+            line.addPoint(gc::kX, planar ? ocs.toWcs(a.point) : a.point);
+            line.addPoint(gc::kX2, planar ? ocs.toWcs(b.point) : b.point);
+            if (planar) addNormal(line, normal);
+            out.push_back(std::move(line));
+            continue;
+        }
+        // The arc through a and b whose bulge is tan(included angle / 4); negative bulges turn clockwise.
+        Point3 chord = b.point - a.point;
+        double d = std::hypot(chord.x, chord.y);
+        Point3 left{-chord.y / d, chord.x / d, 0};
+        Point3 mid = (a.point + b.point) * 0.5;
+        Point3 center = mid + left * (d * (1 - a.bulge * a.bulge) / (4 * a.bulge));
+        double radius = d * (1 + a.bulge * a.bulge) / (4 * std::abs(a.bulge));
+        double from = std::atan2(a.point.y - center.y, a.point.x - center.x) * kDegrees;
+        double to = std::atan2(b.point.y - center.y, b.point.x - center.x) * kDegrees;
+        if (a.bulge < 0) std::swap(from, to);  // arcs always run counter-clockwise
+        TagList arc = pieceStart(source, "ARC");
+        if (modern) arc.add(gc::kSubclass, "AcDbCircle");
+        if (thickness != 0) arc.addReal(gc::kThickness, thickness);
+        arc.addPoint(gc::kX, {center.x, center.y, a.point.z});
+        arc.addReal(gc::kReal, radius);
+        addNormal(arc, normal);
+        if (modern) arc.add(gc::kSubclass, "AcDbArc");
+        arc.addReal(gc::kAngle, from < 0 ? from + 360 : from);
+        arc.addReal(gc::kAngle2, to < 0 ? to + 360 : to);
+        out.push_back(std::move(arc));
+    }
+}
+
+void addPolyline(Extents& box, const std::vector<Vertex>& vertices, bool closed) {
+    for (const Vertex& v : vertices)
+        box.add(v.point.x, v.point.y);
+    const std::size_t segments = closed ? vertices.size() : vertices.size() - (vertices.empty() ? 0 : 1);
+    for (std::size_t i = 0; i < segments; ++i) {
+        const Vertex& from = vertices[i];
+        const Point3& to = vertices[(i + 1) % vertices.size()].point;
+        const double bulge = from.bulge;
+        const double chord = std::hypot(to.x - from.point.x, to.y - from.point.y);
+        if (bulge == 0 || !std::isfinite(bulge) || chord == 0) continue;
+        // The centre lies off the chord's midpoint, along its left normal.
+        const double offset = chord / 2 * (1 - bulge * bulge) / (2 * bulge);
+        const double ux = (to.x - from.point.x) / chord, uy = (to.y - from.point.y) / chord;
+        const Point3 center{(from.point.x + to.x) / 2 - uy * offset, (from.point.y + to.y) / 2 + ux * offset, 0};
+        const double radius = std::hypot(from.point.x - center.x, from.point.y - center.y);
+        double start = std::atan2(from.point.y - center.y, from.point.x - center.x) / kRadiansPerDegree;
+        double end = std::atan2(to.y - center.y, to.x - center.x) / kRadiansPerDegree;
+        if (bulge < 0) std::swap(start, end);  // clockwise: the same arc, counter-clockwise from the end
+        addArc(box, center, radius, start, end);
+    }
+}
+
 void addArc(Extents& box, const Point3& center, double radius, double start, double end) {
     auto normalized = [](double a) {
         a = std::fmod(a, 360.0);

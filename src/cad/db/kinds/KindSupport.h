@@ -5,6 +5,7 @@
 #include "cad/db/BlockPlacement.h"
 #include "cad/db/ExplodeSupport.h"
 #include "cad/db/Extents.h"
+#include "cad/db/Geometry.h"
 #include "cad/db/kinds/EntityKindOps.h"
 #include "cad/dxf/NumberText.h"
 
@@ -80,6 +81,19 @@ void setNormal(TagList& tags, std::size_t from, std::size_t to, const Point3& no
 // Points and radii of an entity in its plane (CIRCLE, ARC, SOLID, TRACE): corners 10 to 13 and
 // the radius (40) mapped; the caller sets the normal once its own values are written.
 void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placement& p, const PlaneMap& plane);
+
+// A polyline's vertex as explode breaks it into lines and arcs.
+struct PathVertex {
+    Point3 point;  // OCS for 2D polylines, WCS for 3D ones
+    double bulge = 0;
+};
+
+// Appends the LINEs and ARCs (bulged segments) from vertex to vertex, in the source's look.
+void addSegments(std::vector<TagList>& out, const TagList& source, const std::vector<PathVertex>& vertices, bool closed,
+                 bool planar, const Point3& normal, double thickness);
+
+// The box of a polyline's segments: straight, or arcs where a vertex has a bulge.
+void addPolyline(Extents& box, const std::vector<Vertex>& vertices, bool closed);
 
 // The box of the arc from `start` to `end` (degrees, counter-clockwise): its ends and the
 // quadrant points it passes.

@@ -24,6 +24,7 @@ extern const EntityKindOps kAttribute;
 extern const EntityKindOps kAttributeDefinition;
 extern const EntityKindOps kMText;
 extern const EntityKindOps kHatch;
+extern const EntityKindOps kLwPolyline;
 extern const EntityKindOps kDimension;
 extern const EntityKindOps kArcDimension;
 extern const EntityKindOps kLargeRadialDimension;

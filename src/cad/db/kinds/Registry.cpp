@@ -7,7 +7,7 @@
 namespace veltarn::db {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 21> kByType{{
+constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 22> kByType{{
     {"3DFACE", &kinds::kFace3d},
     {"ARC", &kinds::kArc},
     {"ARC_DIMENSION", &kinds::kArcDimension},
@@ -19,6 +19,7 @@ constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 21> kByT
     {"HATCH", &kinds::kHatch},
     {"LARGE_RADIAL_DIMENSION", &kinds::kLargeRadialDimension},
     {"LINE", &kinds::kLine},
+    {"LWPOLYLINE", &kinds::kLwPolyline},
     {"MLINE", &kinds::kMline},
     {"MTEXT", &kinds::kMText},
     {"POINT", &kinds::kPoint},
