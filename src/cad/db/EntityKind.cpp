@@ -3,9 +3,6 @@
 #include "cad/db/GroupCodes.h"
 #include "cad/db/kinds/EntityKindOps.h"
 
-#include <array>
-#include <utility>
-
 namespace veltarn::db {
 namespace {
 
@@ -13,16 +10,6 @@ namespace {
 constexpr int kPolyline3d = 8;
 constexpr int kPolygonMesh = 16;
 constexpr int kPolyfaceMesh = 64;
-
-// The kinds whose code is not in kinds/ yet.
-constexpr std::array<std::pair<std::string_view, EntityKind>, 6> kByType{{
-    {"3DSOLID", EntityKind::Solid3d},
-    {"MESH", EntityKind::Mesh},
-    {"MULTILEADER", EntityKind::Multileader},
-    {"MLEADER", EntityKind::Multileader},
-    {"MPOLYGON", EntityKind::MPolygon},
-    {"SURFACE", EntityKind::Surface},
-}};
 
 }  // namespace
 
@@ -33,8 +20,6 @@ bool isDimension(std::string_view type) {
 EntityKind entityKind(const TagList& tags) {
     std::string_view type = tags.type();
     if (const EntityKindOps* kind = kindOf(type, tags)) return kind->kind;
-    for (const auto& [dxf, kind] : kByType)
-        if (type == dxf) return kind;
     if (type == "INSERT") {
         // A multiple insert: rows or columns above one, or its own marker.
         if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return EntityKind::MultipleInsert;

@@ -1,14 +1,16 @@
 // kindOf: from a DXF type (and the flags that make derived kinds) to the kind's operations.
 #include "cad/db/kinds/Kinds.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 namespace veltarn::db {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 22> kByType{{
+constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 28> kByType{{
     {"3DFACE", &kinds::kFace3d},
+    {"3DSOLID", &kinds::kSolid3d},
     {"ARC", &kinds::kArc},
     {"ARC_DIMENSION", &kinds::kArcDimension},
     {"ATTDEF", &kinds::kAttributeDefinition},
@@ -20,25 +22,31 @@ constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 22> kByT
     {"LARGE_RADIAL_DIMENSION", &kinds::kLargeRadialDimension},
     {"LINE", &kinds::kLine},
     {"LWPOLYLINE", &kinds::kLwPolyline},
+    {"MESH", &kinds::kMesh},
+    {"MLEADER", &kinds::kMultileader},
     {"MLINE", &kinds::kMline},
+    {"MPOLYGON", &kinds::kMPolygon},
     {"MTEXT", &kinds::kMText},
+    {"MULTILEADER", &kinds::kMultileader},
     {"POINT", &kinds::kPoint},
     {"RAY", &kinds::kRay},
     {"SOLID", &kinds::kSolid2d},
     {"SPLINE", &kinds::kSpline},
+    {"SURFACE", &kinds::kSurface},
     {"TEXT", &kinds::kText},
     {"TRACE", &kinds::kTrace},
     {"WIPEOUT", &kinds::kWipeout},
     {"XLINE", &kinds::kXline},
 }};
+// Looked up by binary search.
+static_assert(std::ranges::is_sorted(kByType, {}, &std::pair<std::string_view, const EntityKindOps*>::first));
 
 }  // namespace
 
 const EntityKindOps* kindOf(std::string_view dxfType, const TagList& tags) {
     (void)tags;  // POLYLINE and INSERT will pick their derived kinds by their flags
-    for (const auto& [type, ops] : kByType)
-        if (type == dxfType) return ops;
-    return nullptr;
+    auto at = std::ranges::lower_bound(kByType, dxfType, {}, &std::pair<std::string_view, const EntityKindOps*>::first);
+    return at != kByType.end() && at->first == dxfType ? at->second : nullptr;
 }
 
 }  // namespace veltarn::db
