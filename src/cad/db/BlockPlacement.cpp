@@ -67,35 +67,15 @@ Result<void> placeEntity(TagList& tags, const Placement& p, std::string_view blo
     const EntityKindOps* kind = kindOf(type, tags);
     // Kinds whose shape survives any linear map; the others need equal X and Y scales.
     bool affine = kind && kind->keepsShapeUnderAnyMap;
-    if (type == "POLYLINE") affine = (tags.integer(gc::kFlags, from, to).value_or(0) & (kPolyline3d | kPolygonMesh | kPolyfaceMesh)) != 0;
     if (!affine && !p.equalXY()) return unplaceable("cannot be scaled unequally in X and Y");
     Point3 n = normalIn(tags, from, to);
-    if (!affine && !isDefaultNormal(n) && !p.equalXYZ()) return unplaceable("lies in a tilted plane and cannot be scaled unequally");
-    auto wcs = [&](const Point3& q) { return p.map.apply(q); };
-    auto lengths = [&](double v) { return v * p.size; };
+    if (!affine && !isDefaultNormal(n) && !p.equalXYZ())
+        return unplaceable("lies in a tilted plane and cannot be scaled unequally");
     if (kind) {
         if (!kind->place) return unplaceable("cannot be placed");
         return kind->place(tags, from, to, p);
     }
-    if (type == "POLYLINE") {
-        bool planar = !affine;
-        PlaneMap plane(p, n);
-        auto mapVertex = [&](const Point3& q) { return planar ? plane.point(q) : wcs(q); };
-        std::size_t vertexFrom = to;
-        mapPoints(tags, gc::kX, from, to, mapVertex);
-        for (int code : {kStartWidth, kEndWidth}) mapReals(tags, code, from, to, lengths);
-        for (std::size_t i = vertexFrom; i < tags.size(); ++i) {
-            if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
-            std::size_t next = tags.find(gc::kStructure, i + 1);
-            if (next == TagList::npos) next = tags.size();
-            mapPoints(tags, gc::kX, i + 1, next, mapVertex);
-            if (planar) {
-                for (int code : {kStartWidth, kEndWidth}) mapReals(tags, code, i + 1, next, lengths);
-                if (p.mirrored) mapReals(tags, kBulge, i + 1, next, [](double b) { return -b; });
-            }
-        }
-        if (planar) setNormal(tags, from, to, plane.normal);
-    } else if (type == "INSERT") {
+    if (type == "INSERT") {
         return placeInsert(tags, from, to, p);
     } else {
         return unplaceable("cannot be placed");

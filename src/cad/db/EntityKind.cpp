@@ -6,10 +6,6 @@
 namespace veltarn::db {
 namespace {
 
-// POLYLINE flag bits that make it another kind (group 70 of AcDb2dPolyline / AcDb3dPolyline).
-constexpr int kPolyline3d = 8;
-constexpr int kPolygonMesh = 16;
-constexpr int kPolyfaceMesh = 64;
 
 }  // namespace
 
@@ -27,14 +23,6 @@ EntityKind entityKind(const TagList& tags) {
         if (tags.integer(gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(gc::kInt71, 1, end).value_or(1) > 1)
             return EntityKind::MultipleInsert;
         return EntityKind::BlockReference;
-    }
-    if (type == "POLYLINE") {
-        std::size_t end = tags.find(gc::kStructure, 1);
-        int flags = static_cast<int>(tags.integer(gc::kFlags, 1, end).value_or(0));
-        if (flags & kPolyfaceMesh) return EntityKind::PolyfaceMesh;
-        if (flags & kPolygonMesh) return EntityKind::PolygonMesh;
-        if (flags & kPolyline3d) return EntityKind::Polyline3d;
-        return EntityKind::Polyline2d;
     }
     return EntityKind::Other;
 }

@@ -27,14 +27,12 @@ struct Place {
     PropertyPlace place;
 };
 
-constexpr std::array<Place, 7> kPlaces{{
+constexpr std::array<Place, 5> kPlaces{{
     {"INSERT", {Property::BlockName, "AcDbBlockReference", 2, ""}},
     {"INSERT", {Property::ScaleX, "AcDbBlockReference", 41, "1"}},
     {"INSERT", {Property::ScaleY, "AcDbBlockReference", 42, "1"}},
     {"INSERT", {Property::ScaleZ, "AcDbBlockReference", 43, "1"}},
     {"INSERT", {Property::Rotation, "AcDbBlockReference", 50, "0"}},
-    {"POLYLINE", {Property::ConstantWidth, "AcDb2dPolyline", kStartWidth, "0"}},
-    {"POLYLINE", {Property::Elevation, "AcDb2dPolyline", 30, "0"}},
 }};
 
 const PropertyPlace* placeOf(const TagList& tags, Property which) {
@@ -128,32 +126,22 @@ bool setProperty(TagList& tags, Property which, std::string value) {
 bool setRealProperty(TagList& tags, Property which, double value) { return setProperty(tags, which, dxf::formatReal(value)); }
 
 std::optional<bool> closed(const TagList& tags) {
-    std::string_view type = tags.type();
+    const EntityKindOps* kind = kindOf(tags);
+    if (!kind || !kind->closedFlag) return std::nullopt;
     auto [from, to] = ownTags(tags);
-    if (const EntityKindOps* kind = kindOf(type, tags)) {
-        if (!kind->closedFlag) return std::nullopt;
-        return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
-    }
-    if (type == "POLYLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
-    return std::nullopt;
+    return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
 }
 
 bool setClosed(TagList& tags, bool isClosed) {
-    std::string_view type = tags.type();
-    std::string_view marker;
-    int code = gc::kFlags;
-    int bit = 1;
-    if (const EntityKindOps* kind = kindOf(type, tags)) {
-        if (!kind->closedFlag) return false;
-        marker = kind->closedFlag->marker;
-        code = kind->closedFlag->code;
-        bit = kind->closedFlag->bit;
-    }
-    if (type == "POLYLINE") {
+    const EntityKindOps* kind = kindOf(tags);
+    if (!kind || !kind->closedFlag) return false;
+    auto [code, bit] = std::pair(kind->closedFlag->code, kind->closedFlag->bit);
+    std::string_view marker = kind->closedFlag->marker;
+    // A POLYLINE's flags are in the subclass it has, whatever its flags say it is.
+    if (tags.type() == "POLYLINE") {
         auto [from, to] = tags.subclass("AcDb2dPolyline");
         marker = from == TagList::npos ? "AcDb3dPolyline" : "AcDb2dPolyline";
     }
-    if (marker.empty()) return false;
     auto [from, to] = ownTags(tags);
     auto flags = tags.integer(code, from, to).value_or(0);
     tags.setIntegerIn(marker, code, isClosed ? (flags | bit) : (flags & ~bit));

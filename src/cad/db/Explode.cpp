@@ -24,107 +24,6 @@ namespace {
 
 constexpr int kAttributeInvisible = 1, kAttributeConstant = 2;
 
-// --- The VERTEX entities of polylines and meshes, and meshes as 3DFACEs -------------------------------------------------------------------------------
-
-struct VertexTags {
-    std::size_t from, to;  // its tags
-    int flags;
-};
-
-std::vector<VertexTags> vertexTags(const TagList& tags) {
-    std::vector<VertexTags> out;
-    for (std::size_t i = ownEnd(tags); i < tags.size(); ++i) {
-        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "VERTEX") continue;
-        std::size_t next = tags.find(gc::kStructure, i + 1);
-        if (next == TagList::npos) next = tags.size();
-        out.push_back({i + 1, next, static_cast<int>(tags.integer(gc::kFlags, i + 1, next).value_or(0))});
-    }
-    return out;
-}
-
-// A 3DFACE through four corners; `hidden` says which edges are invisible (bit 1 the first edge...).
-// `tags` is the piece's start (pieceStart).
-TagList face(TagList tags, const std::array<Point3, 4>& corners, int hidden) {
-    if (tags.find(gc::kSubclass) != TagList::npos) tags.add(gc::kSubclass, "AcDbFace");
-    for (int k = 0; k < 4; ++k) tags.addPoint(gc::kX + k, corners[static_cast<std::size_t>(k)]);
-    if (hidden != 0) tags.addInteger(gc::kFlags, hidden);
-    return tags;
-}
-
-// A polyface mesh: one 3DFACE per face record, its corners the mesh vertices the record names
-// (1-based; negative where the edge starting there is invisible), a triangle's last corner twice.
-// A face record's own layer and colour go to its face.
-Result<std::vector<TagList>> explodePolyface(const TagList& tags) {
-    constexpr int kFaceRecord = 128, kVertexTags = 64;
-    std::vector<Point3> points;
-    std::vector<TagList> out;
-    for (const VertexTags& v : vertexTags(tags)) {
-        if ((v.flags & kFaceRecord) && (v.flags & kVertexTags)) {
-            points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
-            continue;
-        }
-        if (!(v.flags & kFaceRecord)) continue;
-        std::array<Point3, 4> corners;
-        int count = 0, hidden = 0;
-        for (int k = 0; k < 4; ++k) {
-            auto index = tags.integer(gc::kInt71 + k, v.from, v.to);
-            if (!index || *index == 0) break;
-            auto known = static_cast<std::int64_t>(points.size());
-            std::size_t at = static_cast<std::size_t>(*index < -known || *index > known ? known + 1 : *index < 0 ? -*index : *index);
-            if (at > points.size()) return fail("a polyface mesh face names vertex " + std::to_string(*index) + " of " + std::to_string(points.size()));
-            corners[static_cast<std::size_t>(k)] = points[at - 1];
-            if (*index < 0) hidden |= 1 << k;
-            ++count;
-        }
-        if (count < 3) continue;  // not a face
-        if (count == 3) corners[3] = corners[2];
-        TagList start = pieceStart(tags, "3DFACE");
-        for (int code : {gc::kLayer, gc::kColor})
-            if (auto own = tags.text(code, v.from, v.to)) start.set(code, std::string(*own), 1, start.size());
-        out.push_back(face(std::move(start), corners, hidden));
-    }
-    return out;
-}
-
-// A polygon mesh of M x N vertices: one 3DFACE per cell, across the seam where it is closed.
-Result<std::vector<TagList>> explodePolygonMesh(const TagList& tags, int flags) {
-    constexpr int kClosedN = 32, kSmoothed = 4;
-    std::size_t end = ownEnd(tags);
-    if ((flags & kSmoothed) && tags.integer(gc::kInt75, 1, end).value_or(0) != 0)
-        return fail("a smoothed polygon mesh is not exploded");
-    auto m = tags.integer(gc::kInt71, 1, end).value_or(0), n = tags.integer(gc::kInt72, 1, end).value_or(0);
-    std::vector<Point3> points;
-    for (const VertexTags& v : vertexTags(tags)) points.push_back(tags.point(gc::kX, v.from, v.to).value_or(Point3{}));
-    auto count = static_cast<std::int64_t>(points.size());
-    if (m < 2 || n < 2 || m > count || n > count || m * n != count)
-        return fail("a polygon mesh whose vertices do not make its " + std::to_string(m) + " x " + std::to_string(n) + " grid");
-    auto at = [&](std::int64_t i, std::int64_t j) { return points[static_cast<std::size_t>((i % m) * n + j % n)]; };
-    std::vector<TagList> out;
-    for (std::int64_t i = 0; i < m - ((flags & kClosed) ? 0 : 1); ++i)
-        for (std::int64_t j = 0; j < n - ((flags & kClosedN) ? 0 : 1); ++j)
-            out.push_back(face(pieceStart(tags, "3DFACE"), {at(i, j), at(i + 1, j), at(i + 1, j + 1), at(i, j + 1)}, 0));
-    return out;
-}
-
-Result<std::vector<TagList>> explodePolyline(const TagList& tags) {
-    std::size_t end = ownEnd(tags);
-    int flags = static_cast<int>(tags.integer(gc::kFlags, 1, end).value_or(0));
-    if (flags & kPolyfaceMesh) return explodePolyface(tags);
-    if (flags & kPolygonMesh) return explodePolygonMesh(tags, flags);
-    bool planar = !(flags & kPolyline3d);
-    double elevation = tags.point(gc::kX, 1, end).value_or(Point3{}).z;
-    std::vector<PathVertex> vertices;
-    for (const VertexTags& vertex : vertexTags(tags)) {
-        if (vertex.flags & kSplineFrame) continue;  // the frame, not the curve
-        PathVertex v{tags.point(gc::kX, vertex.from, vertex.to).value_or(Point3{}), tags.real(kBulge, vertex.from, vertex.to).value_or(0)};
-        if (planar) v.point.z = elevation;
-        vertices.push_back(v);
-    }
-    std::vector<TagList> out;
-    addSegments(out, tags, vertices, flags & kClosed, planar, normalIn(tags, 1, end), tags.real(gc::kThickness, 1, end).value_or(0));
-    return out;
-}
-
 // A TEXT with an attribute's look and value.
 TagList textOf(const TagList& attribute, std::size_t from, std::size_t to) {
     static constexpr int kTextCodes[] = {gc::kThickness, gc::kX, gc::kReal, gc::kText, gc::kAngle, gc::kReal2, gc::kAngle2,
@@ -206,7 +105,6 @@ Result<std::vector<TagList>> explode(const Database& db, Handle entity) {
         if (kind->explode) return kind->explode(db, tags);
         return fail("cannot explode a " + std::string(type));
     }
-    if (type == "POLYLINE") return explodePolyline(tags);
     if (type == "INSERT") return explodeInsert(db, tags);
     return fail("cannot explode a " + std::string(type));
 }

@@ -21,13 +21,6 @@ std::optional<Extents> entityExtents(const db::TagList& tags) {
     const std::string_view type = tags.type();
     if (const db::EntityKindOps* kind = db::kindOf(type, tags))
         return kind->extents ? kind->extents(tags) : db::kind_support::pointExtents(tags, false);
-    if (type == "POLYLINE") {
-        const std::vector<db::Vertex> vertices = db::polylineVertices(tags);
-        if (vertices.empty()) return std::nullopt;
-        Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
-        db::kind_support::addPolyline(box, vertices, db::closed(tags).value_or(false));
-        return box;
-    }
     return db::kind_support::pointExtents(tags, false);  // the points of its geometry
 }
 

@@ -1,6 +1,8 @@
 // kindOf: from a DXF type (and the flags that make derived kinds) to the kind's operations.
 #include "cad/db/kinds/Kinds.h"
 
+#include "cad/db/GroupCodes.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -44,7 +46,16 @@ static_assert(std::ranges::is_sorted(kByType, {}, &std::pair<std::string_view, c
 }  // namespace
 
 const EntityKindOps* kindOf(std::string_view dxfType, const TagList& tags) {
-    (void)tags;  // POLYLINE and INSERT will pick their derived kinds by their flags
+    // POLYLINE's flags (70) make it another kind; INSERT will pick its derived kinds the same way.
+    if (dxfType == "POLYLINE") {
+        constexpr int kPolyline3d = 8, kPolygonMesh = 16, kPolyfaceMesh = 64;
+        const std::size_t end = tags.find(gc::kStructure, 1);
+        const int flags = static_cast<int>(tags.integer(gc::kFlags, 1, end).value_or(0));
+        if (flags & kPolyfaceMesh) return &kinds::kPolyfaceMesh;
+        if (flags & kPolygonMesh) return &kinds::kPolygonMesh;
+        if (flags & kPolyline3d) return &kinds::kPolyline3d;
+        return &kinds::kPolyline2d;
+    }
     auto at = std::ranges::lower_bound(kByType, dxfType, {}, &std::pair<std::string_view, const EntityKindOps*>::first);
     return at != kByType.end() && at->first == dxfType ? at->second : nullptr;
 }
