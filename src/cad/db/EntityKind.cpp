@@ -16,14 +16,6 @@ bool isDimension(std::string_view type) {
 EntityKind entityKind(const TagList& tags) {
     std::string_view type = tags.type();
     if (const EntityKindOps* kind = kindOf(type, tags)) return kind->kind;
-    if (type == "INSERT") {
-        // A multiple insert: rows or columns above one, or its own marker.
-        if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return EntityKind::MultipleInsert;
-        std::size_t end = tags.find(gc::kStructure, 1);
-        if (tags.integer(gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(gc::kInt71, 1, end).value_or(1) > 1)
-            return EntityKind::MultipleInsert;
-        return EntityKind::BlockReference;
-    }
     return EntityKind::Other;
 }
 

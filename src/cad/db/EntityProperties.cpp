@@ -21,29 +21,10 @@ constexpr int kBackgroundFlags = 90, kBackgroundColor = 63, kBackgroundRgb = 421
 constexpr int kXdataInteger32 = 1071;
 constexpr std::string_view kHatchBackgroundApp = "HATCHBACKGROUNDCOLOR";
 
-// Properties of the kinds whose code is not in kinds/ yet.
-struct Place {
-    std::string_view type;
-    PropertyPlace place;
-};
-
-constexpr std::array<Place, 5> kPlaces{{
-    {"INSERT", {Property::BlockName, "AcDbBlockReference", 2, ""}},
-    {"INSERT", {Property::ScaleX, "AcDbBlockReference", 41, "1"}},
-    {"INSERT", {Property::ScaleY, "AcDbBlockReference", 42, "1"}},
-    {"INSERT", {Property::ScaleZ, "AcDbBlockReference", 43, "1"}},
-    {"INSERT", {Property::Rotation, "AcDbBlockReference", 50, "0"}},
-}};
-
 const PropertyPlace* placeOf(const TagList& tags, Property which) {
-    std::string_view type = tags.type();
-    if (const EntityKindOps* kind = kindOf(type, tags)) {
+    if (const EntityKindOps* kind = kindOf(tags))
         for (const PropertyPlace& place : kind->properties)
             if (place.property == which) return &place;
-        return nullptr;
-    }
-    for (const Place& entry : kPlaces)
-        if (entry.place.property == which && entry.type == type) return &entry.place;
     return nullptr;
 }
 

@@ -12,7 +12,6 @@ using kind_support::dataEnd;
 std::string_view geometrySubclass(std::string_view type) {
     static const TagList kNoTags;
     if (const EntityKindOps* kind = kindOf(type, kNoTags)) return kind->geometrySubclass;
-    if (type == "INSERT") return "AcDbBlockReference";
     return {};
 }
 
@@ -59,37 +58,6 @@ bool setPointList(TagList& tags, std::string_view marker, int code, const std::v
     }
     tags.setIntegerIn(marker, countCode, static_cast<std::int64_t>(points.size()));
     return true;
-}
-
-// --- Attributes ----------------------------------------------------------------------------------------
-
-std::vector<Attribute> attributes(const TagList& tags) {
-    std::vector<Attribute> out;
-    if (tags.type() != "INSERT") return out;
-    for (std::size_t i = 1; i < tags.size(); ++i) {
-        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "ATTRIB") continue;
-        std::size_t end = tags.find(gc::kStructure, i + 1);
-        if (end == TagList::npos) end = tags.size();
-        Attribute a;
-        a.handle = parseHandle(tags.text(gc::kHandle, i + 1, end).value_or("")).value_or(kNoHandle);
-        a.tag = std::string(tags.text(gc::kName, i + 1, end).value_or(""));
-        a.value = std::string(tags.text(gc::kText, i + 1, end).value_or(""));
-        out.push_back(std::move(a));
-    }
-    return out;
-}
-
-bool setAttributeValue(TagList& tags, std::string_view tag, std::string_view value) {
-    if (tags.type() != "INSERT") return false;
-    for (std::size_t i = 1; i < tags.size(); ++i) {
-        if (tags[i].code != gc::kStructure || dxf::trimSpaces(tags[i].value) != "ATTRIB") continue;
-        std::size_t end = tags.find(gc::kStructure, i + 1);
-        if (end == TagList::npos) end = tags.size();
-        if (!sameName(tags.text(gc::kName, i + 1, end).value_or(""), tag)) continue;
-        tags.set(gc::kText, std::string(value), i + 1, end);
-        return true;
-    }
-    return false;
 }
 
 }  // namespace veltarn::db

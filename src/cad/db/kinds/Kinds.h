@@ -25,6 +25,8 @@ extern const EntityKindOps kAttributeDefinition;
 extern const EntityKindOps kMText;
 extern const EntityKindOps kHatch;
 extern const EntityKindOps kLwPolyline;
+extern const EntityKindOps kBlockReference;
+extern const EntityKindOps kMultipleInsert;
 extern const EntityKindOps kPolyline2d;
 extern const EntityKindOps kPolyline3d;
 extern const EntityKindOps kPolygonMesh;

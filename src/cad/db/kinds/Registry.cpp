@@ -46,7 +46,15 @@ static_assert(std::ranges::is_sorted(kByType, {}, &std::pair<std::string_view, c
 }  // namespace
 
 const EntityKindOps* kindOf(std::string_view dxfType, const TagList& tags) {
-    // POLYLINE's flags (70) make it another kind; INSERT will pick its derived kinds the same way.
+    // Flags make an INSERT or a POLYLINE another kind.
+    if (dxfType == "INSERT") {
+        // A multiple insert: rows or columns above one, or its own marker.
+        if (tags.find(gc::kSubclass, "AcDbMInsertBlock") != TagList::npos) return &kinds::kMultipleInsert;
+        const std::size_t end = tags.find(gc::kStructure, 1);
+        if (tags.integer(gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(gc::kInt71, 1, end).value_or(1) > 1)
+            return &kinds::kMultipleInsert;
+        return &kinds::kBlockReference;
+    }
     if (dxfType == "POLYLINE") {
         constexpr int kPolyline3d = 8, kPolygonMesh = 16, kPolyfaceMesh = 64;
         const std::size_t end = tags.find(gc::kStructure, 1);
