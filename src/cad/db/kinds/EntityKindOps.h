@@ -57,7 +57,7 @@ struct EntityKindOps {
 };
 
 // The kind of an entity of DXF type `dxfType` with tags `tags` (its flags pick derived kinds);
-// null for a kind whose code still lives in the operation files (see docs/entity-kinds.md).
+// null for a type the database keeps as its tags only (see docs/entity-kinds.md).
 const EntityKindOps* kindOf(std::string_view dxfType, const TagList& tags);
 inline const EntityKindOps* kindOf(const TagList& tags) { return kindOf(tags.type(), tags); }
 
