@@ -3,6 +3,7 @@
 #include "cad/db/Dictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/SymbolTables.h"
+#include "cad/db/kinds/EntityKindOps.h"
 #include "cad/dxf/NumberText.h"
 
 #include <array>
@@ -13,56 +14,17 @@ namespace {
 constexpr std::string_view kEntity = "AcDbEntity";
 constexpr int kMtextChunk = 3;          // MTEXT text in 250-byte pieces before the final 1
 constexpr std::size_t kChunkBytes = 250;
-constexpr int kSolidFill = 70;          // HATCH: 1 solid, 0 pattern
-constexpr int kPatternAngle = 52;
-constexpr int kPolylineElevation = 38;
+constexpr int kSolidFill = 70;  // HATCH: 1 solid, 0 pattern
 constexpr int kStartWidth = 40, kEndWidth = 41;
-constexpr int kMlineFlags = 71;
-constexpr int kMlineClosed = 2;
-constexpr int kMlineStylePointer = 340;
 constexpr int kMleaderStylePointer = 340;
 constexpr int kBackgroundFlags = 90, kBackgroundColor = 63, kBackgroundRgb = 421, kBackgroundScale = 45, kBackgroundTransparency = 441;
 constexpr int kXdataInteger32 = 1071;
 constexpr std::string_view kHatchBackgroundApp = "HATCHBACKGROUNDCOLOR";
 
-struct Place {
-    Property property;
-    std::string_view type, marker;
-    int code;
-    std::string_view fallback;  // the value when the tag is absent
-};
-
-constexpr std::array<Place, 22> kPlaces{{
-    {Property::BlockName, "INSERT", "AcDbBlockReference", 2, ""},
-    {Property::ScaleX, "INSERT", "AcDbBlockReference", 41, "1"},
-    {Property::ScaleY, "INSERT", "AcDbBlockReference", 42, "1"},
-    {Property::ScaleZ, "INSERT", "AcDbBlockReference", 43, "1"},
-    {Property::Rotation, "INSERT", "AcDbBlockReference", 50, "0"},
-    {Property::Rotation, "TEXT", "AcDbText", 50, "0"},
-    {Property::Rotation, "MTEXT", "AcDbMText", 50, "0"},
-    {Property::ConstantWidth, "LWPOLYLINE", "AcDbPolyline", 43, "0"},
-    {Property::ConstantWidth, "POLYLINE", "AcDb2dPolyline", kStartWidth, "0"},
-    {Property::Elevation, "LWPOLYLINE", "AcDbPolyline", kPolylineElevation, "0"},
-    {Property::Elevation, "POLYLINE", "AcDb2dPolyline", 30, "0"},
-    {Property::Elevation, "HATCH", "AcDbHatch", 30, "0"},
-    {Property::PatternName, "HATCH", "AcDbHatch", 2, ""},
-    {Property::PatternAngle, "HATCH", "AcDbHatch", kPatternAngle, "0"},
-    {Property::PatternScale, "HATCH", "AcDbHatch", 41, "1"},
-    {Property::MlineJustification, "MLINE", "AcDbMline", 70, "0"},
-    {Property::MlineScale, "MLINE", "AcDbMline", 40, "1"},
-    {Property::DimensionStyle, "DIMENSION", "AcDbDimension", 3, "Standard"},
-    {Property::TextStyle, "TEXT", "AcDbText", 7, "Standard"},
-    {Property::TextStyle, "MTEXT", "AcDbMText", 7, "Standard"},
-    {Property::TextHeight, "TEXT", "AcDbText", 40, ""},
-    {Property::TextHeight, "MTEXT", "AcDbMText", 40, ""},
-}};
-constexpr Place kAttachment{Property::AttachmentPoint, "MTEXT", "AcDbMText", 71, "1"};
-
-const Place* placeOf(const TagList& tags, Property which) {
-    std::string_view type = tags.type();
-    if (which == Property::AttachmentPoint) return type == "MTEXT" ? &kAttachment : nullptr;
-    for (const Place& place : kPlaces)
-        if (place.property == which && (place.type == type || (place.type == "DIMENSION" && type.ends_with("DIMENSION")))) return &place;
+const PropertyPlace* placeOf(const TagList& tags, Property which) {
+    if (const EntityKindOps* kind = kindOf(tags))
+        for (const PropertyPlace& place : kind->properties)
+            if (place.property == which) return &place;
     return nullptr;
 }
 
@@ -120,7 +82,7 @@ void setLineweight(TagList& tags, int lineweight) {
 // --- Kind-specific properties --------------------------------------------------------------------
 
 std::optional<std::string> property(const TagList& tags, Property which) {
-    const Place* place = placeOf(tags, which);
+    const PropertyPlace* place = placeOf(tags, which);
     if (!place) return std::nullopt;
     auto [from, to] = tags.subclass(place->marker);
     if (from == TagList::npos) return std::string(place->fallback);
@@ -134,7 +96,7 @@ std::optional<double> realProperty(const TagList& tags, Property which) {
 }
 
 bool setProperty(TagList& tags, Property which, std::string value) {
-    const Place* place = placeOf(tags, which);
+    const PropertyPlace* place = placeOf(tags, which);
     if (!place) return false;
     if (which == Property::PatternName) tags.setIn(place->marker, kSolidFill, sameName(value, "SOLID") ? "1" : "0");
     if (which == Property::ConstantWidth && tags.type() == "POLYLINE") tags.setIn(place->marker, kEndWidth, value);
@@ -145,23 +107,22 @@ bool setProperty(TagList& tags, Property which, std::string value) {
 bool setRealProperty(TagList& tags, Property which, double value) { return setProperty(tags, which, dxf::formatReal(value)); }
 
 std::optional<bool> closed(const TagList& tags) {
-    std::string_view type = tags.type();
+    const EntityKindOps* kind = kindOf(tags);
+    if (!kind || !kind->closedFlag) return std::nullopt;
     auto [from, to] = ownTags(tags);
-    if (type == "MLINE") return (tags.integer(kMlineFlags, from, to).value_or(0) & kMlineClosed) != 0;
-    if (type == "LWPOLYLINE" || type == "POLYLINE" || type == "SPLINE") return (tags.integer(gc::kFlags, from, to).value_or(0) & 1) != 0;
-    return std::nullopt;
+    return (tags.integer(kind->closedFlag->code, from, to).value_or(0) & kind->closedFlag->bit) != 0;
 }
 
 bool setClosed(TagList& tags, bool isClosed) {
-    std::string_view type = tags.type();
-    std::string_view marker = type == "MLINE" ? "AcDbMline" : type == "LWPOLYLINE" ? "AcDbPolyline" : type == "SPLINE" ? "AcDbSpline" : "";
-    int code = type == "MLINE" ? kMlineFlags : gc::kFlags;
-    int bit = type == "MLINE" ? kMlineClosed : 1;
-    if (type == "POLYLINE") {
+    const EntityKindOps* kind = kindOf(tags);
+    if (!kind || !kind->closedFlag) return false;
+    auto [code, bit] = std::pair(kind->closedFlag->code, kind->closedFlag->bit);
+    std::string_view marker = kind->closedFlag->marker;
+    // A POLYLINE's flags are in the subclass it has, whatever its flags say it is.
+    if (tags.type() == "POLYLINE") {
         auto [from, to] = tags.subclass("AcDb2dPolyline");
         marker = from == TagList::npos ? "AcDb3dPolyline" : "AcDb2dPolyline";
     }
-    if (marker.empty()) return false;
     auto [from, to] = ownTags(tags);
     auto flags = tags.integer(code, from, to).value_or(0);
     tags.setIntegerIn(marker, code, isClosed ? (flags | bit) : (flags & ~bit));
@@ -169,48 +130,6 @@ bool setClosed(TagList& tags, bool isClosed) {
 }
 
 // --- Text ----------------------------------------------------------------------------------------
-
-// TEXT keeps its vertical alignment (73) in a second AcDbText subclass.
-static std::pair<std::size_t, std::size_t> secondTextSubclass(const TagList& tags) {
-    auto [from, to] = ownTags(tags);
-    if (!tags.hasMarkers()) return {from, to};
-    std::size_t first = tags.find(gc::kSubclass, "AcDbText", 0, to);
-    std::size_t second = first == TagList::npos ? TagList::npos : tags.find(gc::kSubclass, "AcDbText", first + 1, to);
-    if (second == TagList::npos) return {TagList::npos, TagList::npos};
-    std::size_t end = tags.find(gc::kSubclass, second + 1, to);
-    return {second + 1, end == TagList::npos ? to : end};
-}
-
-std::optional<int> textJustification(const TagList& tags) {
-    if (tags.type() != "TEXT") return std::nullopt;
-    auto [from, to] = tags.subclass("AcDbText");
-    int horizontal = static_cast<int>(tags.integer(gc::kInt72, from, to).value_or(0));
-    auto [vFrom, vTo] = secondTextSubclass(tags);
-    int vertical = vFrom == TagList::npos ? 0 : static_cast<int>(tags.integer(gc::kInt73, vFrom, vTo).value_or(0));
-    if (vertical == 0 || horizontal > 2) return horizontal;
-    return 6 + (3 - vertical) * 3 + horizontal;
-}
-
-bool setTextJustification(TagList& tags, int justification) {
-    if (tags.type() != "TEXT" || justification < 0 || justification > 14) return false;
-    int horizontal = justification <= 5 ? justification : (justification - 6) % 3;
-    int vertical = justification <= 5 ? 0 : 3 - (justification - 6) / 3;
-    tags.setIntegerIn("AcDbText", gc::kInt72, horizontal);
-    // Any justification but left needs the alignment point; it starts at the insertion point.
-    auto [from, to] = tags.subclass("AcDbText");
-    if (justification != 0 && tags.find(gc::kX2, from, to) == TagList::npos)
-        tags.setPointIn("AcDbText", gc::kX2, tags.point(gc::kX, from, to).value_or(Point3{}));
-    auto [vFrom, vTo] = secondTextSubclass(tags);
-    if (vFrom == TagList::npos) {
-        auto [own, end] = ownTags(tags);
-        (void)own;
-        tags.insert(end, gc::kSubclass, "AcDbText");
-        tags.insert(end + 1, gc::kInt73, std::to_string(vertical));
-        return true;
-    }
-    tags.set(gc::kInt73, std::to_string(vertical), vFrom, vTo);
-    return true;
-}
 
 std::optional<std::string> textContents(const TagList& tags) {
     std::string_view type = tags.type();
@@ -253,21 +172,6 @@ bool setTextContents(TagList& tags, std::string_view text) {
 }
 
 // --- Styles kept as objects -------------------------------------------------------------------------
-
-bool setMlineStyle(const Database& db, TagList& tags, std::string_view name) {
-    if (tags.type() != "MLINE") return false;
-    Handle style = namedEntry(db, "ACAD_MLINESTYLE", name);
-    if (style == kNoHandle) return false;
-    tags.setIn("AcDbMline", gc::kName, std::string(name));
-    tags.setIn("AcDbMline", kMlineStylePointer, formatHandle(style));
-    return true;
-}
-
-std::optional<std::string> mlineStyle(const TagList& tags) {
-    if (tags.type() != "MLINE") return std::nullopt;
-    auto [from, to] = tags.subclass("AcDbMline");
-    return std::string(tags.text(gc::kName, from, to).value_or("Standard"));
-}
 
 // The multileader's own tags after its context data: the context holds 340s of its own (the
 // text style), the style pointer follows the context's closing 301.

@@ -15,10 +15,10 @@ namespace veltarn::db {
 //   polyface, polygon mesh   3DFACEs (with their invisible edges; not a smoothed mesh)
 //   INSERT                   the block's entities, moved, scaled, rotated and mirrored as the
 //                            reference shows them; a nested reference stays one (explode again to
-//                            go deeper); attributes become TEXT (see Explode.cpp)
+//                            go deeper); attributes become TEXT (see kinds/Insert.cpp)
 //   DIMENSION                the entities of its block
 //   MLINE                    LINEs and ARCs, one per element and segment, caps and miters (see
-//                            MlineExplode.h)
+//                            kinds/Mline.cpp)
 // Fails for every other kind, for a multiple insert, for a block that holds an entity that cannot
 // be placed (a dimension, a multileader, an unknown kind; a circle under unequal X and Y scales),
 // and for a reference to a missing block.

@@ -1,7 +1,7 @@
 // Geometry of the entity kinds read and written by the database. Simple kinds keep their points
 // and sizes in fixed group codes (see `GeometryCodes`); polylines, hatches, splines, multilines,
-// wipeouts and block references with attributes have functions of their own here (multileaders
-// in Multileader.h).
+// wipeouts and block references with attributes have functions of their own here, defined in
+// their kind's file under kinds/ (multileaders in kinds/Multileader.h).
 #pragma once
 
 #include "cad/db/Database.h"

@@ -1,8 +1,6 @@
 #include "cad/seam/EntityClassification.h"
 
-#include <array>
-#include <utility>
-
+#include "cad/db/EntityKind.h"
 #include "cad/db/GroupCodes.h"
 
 namespace veltarn::seam {
@@ -10,33 +8,8 @@ namespace {
 
 using host::EntityClass;
 
-constexpr std::array<std::pair<std::string_view, EntityClass>, 22> kByType{{
-    {"3DFACE", EntityClass::kFace},        {"3DSOLID", EntityClass::kSolid3d},
-    {"ARC", EntityClass::kArc},            {"CIRCLE", EntityClass::kCircle},
-    {"ELLIPSE", EntityClass::kEllipse},    {"HATCH", EntityClass::kHatch},
-    {"LINE", EntityClass::kLine},          {"MESH", EntityClass::kSubDMesh},
-    {"MULTILEADER", EntityClass::kMLeader}, {"MLEADER", EntityClass::kMLeader},
-    {"MLINE", EntityClass::kMline},        {"MPOLYGON", EntityClass::kMPolygon},
-    {"MTEXT", EntityClass::kMText},        {"POINT", EntityClass::kPoint},
-    {"LWPOLYLINE", EntityClass::kPolyline}, {"RAY", EntityClass::kRay},
-    {"SPLINE", EntityClass::kSpline},      {"SURFACE", EntityClass::kSurface},
-    {"TEXT", EntityClass::kText},          {"WIPEOUT", EntityClass::kWipeout},
-    {"XLINE", EntityClass::kXline},        {"ARC_DIMENSION", EntityClass::kDimensionArc},
-}};
-
-// POLYLINE flag bits (group 70) that make it another kind.
-constexpr int kPolyline3dFlag = 8;
-constexpr int kPolygonMeshFlag = 16;
-constexpr int kPolyfaceMeshFlag = 64;
-
 // DIMENSION's type in the low bits of group 70.
 constexpr int kDimensionTypeMask = 0x0F;
-
-// A flag of the entity's own tags (a POLYLINE's VERTEX entities follow after the next "0").
-int flagsOf(const db::TagList& tags, int code) {
-    const std::size_t end = tags.find(db::gc::kStructure, 1);
-    return static_cast<int>(tags.integer(code, 1, end).value_or(0));
-}
 
 EntityClass dimensionClass(const db::TagList& tags) {
     // Group 70 also appears in other subclasses: read it in the dimension's own.
@@ -57,25 +30,72 @@ EntityClass dimensionClass(const db::TagList& tags) {
 }  // namespace
 
 host::EntityClass entityClassOf(const db::TagList& tags) {
-    const std::string_view type = tags.type();
-    for (const auto& [name, kind] : kByType)
-        if (type == name) return kind;
-    if (type == "DIMENSION") return dimensionClass(tags);
-    if (type == "LARGE_RADIAL_DIMENSION") return EntityClass::kDimensionRadialLarge;
-    if (type == "INSERT") {
-        if (tags.find(db::gc::kSubclass, "AcDbMInsertBlock") != db::TagList::npos) return EntityClass::kMInsertBlock;
-        const std::size_t end = tags.find(db::gc::kStructure, 1);
-        // Column and row counts above one make a multiple insert.
-        if (tags.integer(db::gc::kFlags, 1, end).value_or(1) > 1 || tags.integer(db::gc::kInt71, 1, end).value_or(1) > 1)
+    using db::EntityKind;
+    switch (db::entityKind(tags)) {
+        case EntityKind::Line:
+            return EntityClass::kLine;
+        case EntityKind::Point:
+            return EntityClass::kPoint;
+        case EntityKind::Circle:
+            return EntityClass::kCircle;
+        case EntityKind::Arc:
+            return EntityClass::kArc;
+        case EntityKind::Ellipse:
+            return EntityClass::kEllipse;
+        case EntityKind::Xline:
+            return EntityClass::kXline;
+        case EntityKind::Ray:
+            return EntityClass::kRay;
+        case EntityKind::Face3d:
+            return EntityClass::kFace;
+        case EntityKind::Spline:
+            return EntityClass::kSpline;
+        case EntityKind::Text:
+            return EntityClass::kText;
+        case EntityKind::MText:
+            return EntityClass::kMText;
+        case EntityKind::LwPolyline:
+            return EntityClass::kPolyline;
+        case EntityKind::Polyline2d:
+            return EntityClass::kPolyline2d;
+        case EntityKind::Polyline3d:
+            return EntityClass::kPolyline3d;
+        case EntityKind::PolyfaceMesh:
+            return EntityClass::kPolyFaceMesh;
+        case EntityKind::BlockReference:
+            return EntityClass::kBlockReference;
+        case EntityKind::MultipleInsert:
             return EntityClass::kMInsertBlock;
-        return EntityClass::kBlockReference;
-    }
-    if (type == "POLYLINE") {
-        const int flags = flagsOf(tags, db::gc::kFlags);
-        if (flags & kPolyfaceMeshFlag) return EntityClass::kPolyFaceMesh;
-        if (flags & kPolygonMeshFlag) return EntityClass::kOther;
-        if (flags & kPolyline3dFlag) return EntityClass::kPolyline3d;
-        return EntityClass::kPolyline2d;
+        case EntityKind::Hatch:
+            return EntityClass::kHatch;
+        case EntityKind::Mline:
+            return EntityClass::kMline;
+        case EntityKind::Multileader:
+            return EntityClass::kMLeader;
+        case EntityKind::Wipeout:
+            return EntityClass::kWipeout;
+        case EntityKind::Mesh:
+            return EntityClass::kSubDMesh;
+        case EntityKind::Solid3d:
+            return EntityClass::kSolid3d;
+        case EntityKind::MPolygon:
+            return EntityClass::kMPolygon;
+        case EntityKind::Surface:
+            return EntityClass::kSurface;
+        case EntityKind::Dimension:
+            return dimensionClass(tags);
+        case EntityKind::ArcDimension:
+            return EntityClass::kDimensionArc;
+        case EntityKind::LargeRadialDimension:
+            return EntityClass::kDimensionRadialLarge;
+        // The module tells no 2D solid, trace, attribute or polygon mesh apart.
+        case EntityKind::Solid2d:
+        case EntityKind::Trace:
+        case EntityKind::Attribute:
+        case EntityKind::AttributeDefinition:
+        case EntityKind::PolygonMesh:
+        case EntityKind::Other:
+            return EntityClass::kOther;
     }
     return EntityClass::kOther;
 }

@@ -1,4 +1,4 @@
-// The exact class of an entity, told from its DXF type and the flags that make derived kinds.
+// The module's class of an entity: the workbench's own kind (db::entityKind) mapped to host::EntityClass.
 #pragma once
 
 #include "cad/db/TagList.h"

@@ -3,21 +3,12 @@
 
 #include <optional>
 
+#include "cad/db/Extents.h"
 #include "cad/db/TagList.h"
 
 namespace veltarn::seam {
 
-struct Extents {
-    double minX = 0, minY = 0, maxX = 0, maxY = 0;
-
-    void add(double x, double y);
-    bool inside(const Extents& box) const {
-        return minX >= box.minX && maxX <= box.maxX && minY >= box.minY && maxY <= box.maxY;
-    }
-    bool overlaps(const Extents& box) const {
-        return minX <= box.maxX && maxX >= box.minX && minY <= box.maxY && maxY >= box.minY;
-    }
-};
+using Extents = db::Extents;
 
 // Circles, arcs, ellipses and polylines (bulges included) by their curves; texts by an approximate
 // box from their height, length, rotation and justification; hatches by their vertices; everything

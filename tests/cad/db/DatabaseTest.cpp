@@ -3,7 +3,7 @@
 
 #include "cad/db/DrawOrder.h"
 #include "cad/db/GroupCodes.h"
-#include "cad/db/Multileader.h"
+#include "cad/db/kinds/Multileader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Entities: kind names, common and kind-specific properties, geometry, creation with defaults.
+// Entities: kinds, common and kind-specific properties, geometry, creation with defaults.
 #include "TestSupport.h"
 
 #include "cad/db/EntityFactory.h"
@@ -33,32 +33,49 @@ std::string lineOf(const std::string& dump, Handle handle) {
     return {};
 }
 
-TEST(EntityKinds, MapToTheModulesTypeNamesByExactKind) {
+// The module's type names for these kinds are checked where they are mapped: in the seam
+// (tests/cad/seam/EntityClassificationTest.cpp).
+TEST(EntityKinds, SplitDxfTypesWhereTheirFlagsMakeAnotherKind) {
     Database db = test::loadOrFail(test::generated("all-2018.dxf", "60 --kinds all"));
-    std::map<std::string, std::set<std::string>> seen;
+    std::map<std::string, std::set<EntityKind>> seen;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {
         TagList tags = db.tags(entity);
         std::string key(tags.type());
         if (key == "POLYLINE") key += std::to_string(tags.integer(gc::kFlags).value_or(0) & (8 | 64));
-        seen[key].insert(entityTypeName(db, entity));
+        seen[key].insert(entityKind(tags));
         EXPECT_FALSE(commonProperties(tags).layer.empty());  // every kind, modelled or not, has its layer
     }
-    std::map<std::string, std::set<std::string>> expected{
-        {"LINE", {"Line"}}, {"CIRCLE", {"Circle"}}, {"ARC", {"Arc"}}, {"LWPOLYLINE", {"Polyline"}}, {"TEXT", {"Text"}},
-        {"INSERT", {"BlockReference"}}, {"POINT", {"Point"}}, {"ELLIPSE", {"Ellipse"}},
-        {"POLYLINE0", {""}}, {"POLYLINE8", {"3DPolyline"}}, {"POLYLINE64", {"PolyFaceMesh"}}, {"3DFACE", {"3DFace"}},
-        {"SOLID", {""}}, {"SPLINE", {"Spline"}}, {"XLINE", {"Xline"}}, {"RAY", {"Ray"}}, {"MTEXT", {"MText"}},
-        {"HATCH", {"Hatch"}}, {"DIMENSION", {"Dimension"}}, {"MLINE", {"Mline"}}, {"MULTILEADER", {"MLeader"}},
-        {"WIPEOUT", {"Wipeout"}}, {"MESH", {"Mesh"}}};
+    using enum EntityKind;
+    std::map<std::string, std::set<EntityKind>> expected{{"LINE", {Line}},
+                                                         {"CIRCLE", {Circle}},
+                                                         {"ARC", {Arc}},
+                                                         {"LWPOLYLINE", {LwPolyline}},
+                                                         {"TEXT", {Text}},
+                                                         {"INSERT", {BlockReference}},
+                                                         {"POINT", {Point}},
+                                                         {"ELLIPSE", {Ellipse}},
+                                                         {"POLYLINE0", {Polyline2d}},
+                                                         {"POLYLINE8", {Polyline3d}},
+                                                         {"POLYLINE64", {PolyfaceMesh}},
+                                                         {"3DFACE", {Face3d}},
+                                                         {"SOLID", {Solid2d}},
+                                                         {"SPLINE", {Spline}},
+                                                         {"XLINE", {Xline}},
+                                                         {"RAY", {Ray}},
+                                                         {"MTEXT", {MText}},
+                                                         {"HATCH", {Hatch}},
+                                                         {"DIMENSION", {Dimension}},
+                                                         {"MLINE", {Mline}},
+                                                         {"MULTILEADER", {Multileader}},
+                                                         {"WIPEOUT", {Wipeout}},
+                                                         {"MESH", {Mesh}}};
     EXPECT_EQ(seen, expected);
 
-    TagList radial{{0, "DIMENSION"}, {100, "AcDbEntity"}, {100, "AcDbDimension"}, {70, "4"}, {100, "AcDbRadialDimension"}};
     TagList minsert{{0, "INSERT"}, {100, "AcDbEntity"}, {100, "AcDbMInsertBlock"}, {2, "B"}, {70, "3"}, {71, "2"}};
-    EXPECT_EQ(entityTypeName(radial), "Dimension");
-    EXPECT_EQ(entityTypeName(TagList{{0, "ARC_DIMENSION"}}), "Dimension");
-    EXPECT_EQ(entityTypeName(minsert), "");
-    EXPECT_EQ(entityTypeName(TagList{{0, "ATTDEF"}}), "");
-    EXPECT_EQ(entityTypeName(TagList{{0, "EXTRUDEDSURFACE"}}), "");
+    EXPECT_EQ(entityKind(minsert), MultipleInsert);
+    EXPECT_EQ(entityKind(TagList{{0, "POLYLINE"}, {70, "16"}}), PolygonMesh);
+    EXPECT_EQ(entityKind(TagList{{0, "ATTDEF"}}), AttributeDefinition);
+    EXPECT_EQ(entityKind(TagList{{0, "IMAGE"}}), Other);
 }
 
 TEST(EntityProperties, CommonPropertiesAreWrittenAsOtherReadersExpect) {
@@ -171,7 +188,8 @@ TEST(Geometry, PolylineVerticesWithBulgesAreReplacedInBothPolylineForms) {
     int changed = 0;
     for (Handle entity : db.entitiesOf(db.modelSpace())) {
         std::string_view type = db.typeName(entity);
-        if (type != "LWPOLYLINE" && !(type == "POLYLINE" && entityTypeName(db, entity).empty())) continue;
+        if (type != "LWPOLYLINE" && !(type == "POLYLINE" && entityKind(db.tags(entity)) == EntityKind::Polyline2d))
+            continue;
         ObjectWriter w = db.openForWrite(entity);
         ASSERT_TRUE(setPolylineVertices(db, w.tags(), shape));
         ++changed;
@@ -183,7 +201,8 @@ TEST(Geometry, PolylineVerticesWithBulgesAreReplacedInBothPolylineForms) {
     Database back = test::loadOrFail(dir / "v.dxf");
     for (Handle entity : back.entitiesOf(back.modelSpace())) {
         std::string_view type = back.typeName(entity);
-        if (type != "LWPOLYLINE" && !(type == "POLYLINE" && entityTypeName(back, entity).empty())) continue;
+        if (type != "LWPOLYLINE" && !(type == "POLYLINE" && entityKind(back.tags(entity)) == EntityKind::Polyline2d))
+            continue;
         EXPECT_EQ(polylineVertices(back.tags(entity)), shape) << type;
         EXPECT_LT(back.handleSeed() - 1, back.handleSeed());
     }

@@ -5,8 +5,8 @@
 
 #include "cad/db/EntityFactory.h"
 #include "cad/db/ExtensionDictionary.h"
-#include "cad/db/Multileader.h"
 #include "cad/db/Xrecord.h"
+#include "cad/db/kinds/Multileader.h"
 
 #include <gtest/gtest.h>
 

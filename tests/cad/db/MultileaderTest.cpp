@@ -3,7 +3,7 @@
 #include "TestSupport.h"
 
 #include "cad/db/EntityProperties.h"
-#include "cad/db/Multileader.h"
+#include "cad/db/kinds/Multileader.h"
 
 #include <gtest/gtest.h>
 

@@ -28,32 +28,32 @@ struct Multileader {
         bool operator==(const Line&) const = default;
     };
     struct Leader {
-        Point3 connection;                 // 10: where the lines end and the dogleg starts
-        Point3 doglegDirection{1, 0, 0};   // 11: towards the content
-        double doglegLength = 0;           // 40
-        int index = -1;                    // 90; -1: a new leader, numbered when written
+        Point3 connection;                // 10: where the lines end and the dogleg starts
+        Point3 doglegDirection{1, 0, 0};  // 11: towards the content
+        double doglegLength = 0;          // 40
+        int index = -1;                   // 90; -1: a new leader, numbered when written
         std::vector<Line> lines;
         bool operator==(const Leader&) const = default;
     };
 
     Content content = Content::None;
     // The context's own values.
-    double scale = 1;           // 40 (mirrored in the entity's 45)
-    Point3 basePoint;           // 10
-    double textHeight = 0;      // 41, already scaled
-    double arrowSize = 0;       // 140 (mirrored in the entity's 42)
-    double landingGap = 0;      // 145
-    Point3 planeOrigin;         // 110
+    double scale = 1;       // 40 (mirrored in the entity's 45)
+    Point3 basePoint;       // 10
+    double textHeight = 0;  // 41, already scaled
+    double arrowSize = 0;   // 140 (mirrored in the entity's 42)
+    double landingGap = 0;  // 145
+    Point3 planeOrigin;     // 110
     // MTEXT content.
-    std::string text;           // 304, MTEXT codes and all
-    Point3 textLocation;        // 12
+    std::string text;               // 304, MTEXT codes and all
+    Point3 textLocation;            // 12
     Point3 textDirection{1, 0, 0};  // 13
-    int textAttachment = 1;     // 171: 1 left, 2 center, 3 right
+    int textAttachment = 1;         // 171: 1 left, 2 center, 3 right
     // Block content.
-    Handle block = kNoHandle;   // 341, the block record (mirrored in the entity's 344)
-    Point3 blockPosition;       // 15
-    Point3 blockScale{1, 1, 1}; // 16 (mirrored in the entity's 10)
-    double blockRotation = 0;   // 46, radians (mirrored in the entity's 43)
+    Handle block = kNoHandle;    // 341, the block record (mirrored in the entity's 344)
+    Point3 blockPosition;        // 15
+    Point3 blockScale{1, 1, 1};  // 16 (mirrored in the entity's 10)
+    double blockRotation = 0;    // 46, radians (mirrored in the entity's 43)
 
     std::vector<Leader> leaders;
 

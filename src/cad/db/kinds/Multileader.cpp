@@ -1,4 +1,5 @@
-#include "cad/db/Multileader.h"
+#include "cad/db/kinds/Multileader.h"
+#include "cad/db/kinds/Kinds.h"
 
 #include "cad/db/EntityFactory.h"
 #include "cad/db/GroupCodes.h"
@@ -17,7 +18,8 @@ constexpr std::size_t npos = TagList::npos;
 constexpr std::string_view kMarker = "AcDbMLeader";
 
 // Group brackets. 304 is also the text contents at context level: a line opens only inside a leader.
-constexpr int kContextOpen = 300, kContextClose = 301, kLeaderOpen = 302, kLeaderClose = 303, kLineOpen = 304, kLineClose = 305;
+constexpr int kContextOpen = 300, kContextClose = 301, kLeaderOpen = 302, kLeaderClose = 303, kLineOpen = 304,
+              kLineClose = 305;
 constexpr std::string_view kContextText = "CONTEXT_DATA{", kLeaderText = "LEADER{", kLineText = "LEADER_LINE{";
 // The context's own values.
 constexpr int kScale = 40, kBasePoint = 10, kTextHeight = 41, kArrowSize = 140, kLandingGap = 145;
@@ -27,7 +29,8 @@ constexpr int kText = 304, kTextLocation = 12, kTextDirection = 13, kTextRotatio
 // Block content.
 constexpr int kBlock = 341, kBlockPosition = 15, kBlockScale = 16, kBlockRotation = 46;
 // Leaders and lines.
-constexpr int kConnection = 10, kDoglegDirection = 11, kLeaderIndex = 90, kDoglegLength = 40, kAttachmentDirection = 271;
+constexpr int kConnection = 10, kDoglegDirection = 11, kLeaderIndex = 90, kDoglegLength = 40,
+              kAttachmentDirection = 271;
 constexpr int kLeaderBreakStart = 12, kLeaderBreakEnd = 13;
 constexpr int kVertex = 10, kLineBreakIndex = 90, kLineBreakStart = 11, kLineBreakEnd = 12, kLineIndex = 91;
 // The entity's own settings after the context.
@@ -44,12 +47,12 @@ struct LeaderSpan : Span {
     std::vector<Span> lines;
 };
 struct Layout {
-    std::size_t context = 0, close = 0;                     // the 300 and 301 tags
+    std::size_t context = 0, close = 0;                         // the 300 and 301 tags
     std::size_t hasText = npos, hasBlock = npos, plane = npos;  // 290, 296, 110 at context level
-    std::size_t leadersAt = 0, leadersEnd = 0;              // where the leaders are, or would go
+    std::size_t leadersAt = 0, leadersEnd = 0;                  // where the leaders are, or would go
     std::vector<LeaderSpan> leaders;
-    std::size_t ownEnd = 0;                                 // the end of the subclass before any xdata
-    bool r2010 = false;                                     // the context carries 272/273: leaders carry 271
+    std::size_t ownEnd = 0;  // the end of the subclass before any xdata
+    bool r2010 = false;      // the context carries 272/273: leaders carry 271
 };
 
 std::string label(const TagList& tags) {
@@ -180,13 +183,15 @@ public:
         return v.value_or(0);
     }
     void fail(std::size_t i) {
-        if (bad_.empty()) bad_ = "tag " + std::to_string(tags_[i].code) + " holds \"" + tags_[i].value + "\", not a number";
+        if (bad_.empty())
+            bad_ = "tag " + std::to_string(tags_[i].code) + " holds \"" + tags_[i].value + "\", not a number";
     }
     Handle handle(int code, std::size_t from, std::size_t to) {
         std::size_t i = tags_.find(code, from, to);
         if (i == npos) return kNoHandle;
         auto h = parseHandle(tags_[i].value);
-        if (!h && bad_.empty()) bad_ = "tag " + std::to_string(code) + " holds \"" + tags_[i].value + "\", not a handle";
+        if (!h && bad_.empty())
+            bad_ = "tag " + std::to_string(code) + " holds \"" + tags_[i].value + "\", not a handle";
         return h.value_or(kNoHandle);
     }
     const std::string& bad() const { return bad_; }
@@ -197,9 +202,13 @@ private:
 };
 
 // The own values of a leader lie before its first line.
-std::size_t leaderHeadEnd(const LeaderSpan& span) { return span.lines.empty() ? span.end - 1 : span.lines.front().begin; }
+std::size_t leaderHeadEnd(const LeaderSpan& span) {
+    return span.lines.empty() ? span.end - 1 : span.lines.front().begin;
+}
 // Its closing part (271, 303) follows its last line.
-std::size_t leaderTailBegin(const LeaderSpan& span) { return span.lines.empty() ? leaderHeadEnd(span) : span.lines.back().end; }
+std::size_t leaderTailBegin(const LeaderSpan& span) {
+    return span.lines.empty() ? leaderHeadEnd(span) : span.lines.back().end;
+}
 
 Multileader::Line readLine(Reader& r, const TagList& tags, const Span& span) {
     Multileader::Line line;
@@ -216,7 +225,8 @@ Multileader::Leader readLeader(Reader& r, const TagList& tags, const LeaderSpan&
     leader.doglegDirection = r.point(kDoglegDirection, from, to, {1, 0, 0});
     leader.doglegLength = r.real(kDoglegLength, from, to, 0);
     leader.index = r.integer(kLeaderIndex, from, to, 0);
-    for (const Span& line : span.lines) leader.lines.push_back(readLine(r, tags, line));
+    for (const Span& line : span.lines)
+        leader.lines.push_back(readLine(r, tags, line));
     return leader;
 }
 
@@ -248,7 +258,8 @@ Result<Multileader> read(const TagList& tags, const Layout& at) {
         m.blockRotation = r.real(kBlockRotation, from, to, 0);
     }
     if (at.plane != npos) m.planeOrigin = r.pointAt(at.plane);
-    for (const LeaderSpan& span : at.leaders) m.leaders.push_back(readLeader(r, tags, span));
+    for (const LeaderSpan& span : at.leaders)
+        m.leaders.push_back(readLeader(r, tags, span));
     if (!r.bad().empty()) return fault(tags, r.bad());
     return m;
 }
@@ -258,28 +269,34 @@ Result<Multileader> read(const TagList& tags, const Layout& at) {
 TagList slice(const TagList& tags, std::size_t from, std::size_t to) {
     TagList out;
     out.reserve(to - from);
-    for (std::size_t i = from; i < to; ++i) out.add(tags[i].code, tags[i].value);
+    for (std::size_t i = from; i < to; ++i)
+        out.add(tags[i].code, tags[i].value);
     return out;
 }
 
 void append(TagList& out, const TagList& part) {
-    for (const TagValue& tag : part) out.add(tag.code, tag.value);
+    for (const TagValue& tag : part)
+        out.add(tag.code, tag.value);
 }
 
 // Setters on one piece of the tags: the first tag of the code is replaced, or one inserted at `at`.
 // A number that reads as the value already keeps its text, so only what changed is rewritten.
 void putText(TagList& t, int code, std::string value, std::size_t at = npos) {
     std::size_t i = t.find(code);
-    if (i != npos) t[i].value = std::move(value);
-    else t.insert(std::min(at, t.size()), code, std::move(value));
+    if (i != npos)
+        t[i].value = std::move(value);
+    else
+        t.insert(std::min(at, t.size()), code, std::move(value));
 }
 void putRealAt(TagList& t, std::size_t i, double value) {
     if (dxf::parseReal(t[i].value) != value) t[i].value = dxf::formatReal(value);
 }
 void putReal(TagList& t, int code, double value, std::size_t at = npos) {
     std::size_t i = t.find(code);
-    if (i != npos) putRealAt(t, i, value);
-    else t.insert(std::min(at, t.size()), code, dxf::formatReal(value));
+    if (i != npos)
+        putRealAt(t, i, value);
+    else
+        t.insert(std::min(at, t.size()), code, dxf::formatReal(value));
 }
 void putInteger(TagList& t, int code, std::int64_t value, std::size_t at = npos) {
     std::size_t i = t.find(code);
@@ -291,10 +308,14 @@ void putInteger(TagList& t, int code, std::int64_t value, std::size_t at = npos)
 void putPointAt(TagList& t, std::size_t i, const Point3& p) {
     int code = t[i].code;
     putRealAt(t, i, p.x);
-    if (i + 1 < t.size() && t[i + 1].code == code + 10) putRealAt(t, i + 1, p.y);
-    else t.insert(i + 1, code + 10, dxf::formatReal(p.y));
-    if (i + 2 < t.size() && t[i + 2].code == code + 20) putRealAt(t, i + 2, p.z);
-    else t.insert(i + 2, code + 20, dxf::formatReal(p.z));
+    if (i + 1 < t.size() && t[i + 1].code == code + 10)
+        putRealAt(t, i + 1, p.y);
+    else
+        t.insert(i + 1, code + 10, dxf::formatReal(p.y));
+    if (i + 2 < t.size() && t[i + 2].code == code + 20)
+        putRealAt(t, i + 2, p.z);
+    else
+        t.insert(i + 2, code + 20, dxf::formatReal(p.z));
 }
 
 void addPoints(TagList& t, std::size_t at, int code, const Point3* first, const Point3* last) {
@@ -307,8 +328,10 @@ void addPoints(TagList& t, std::size_t at, int code, const Point3* first, const 
 
 void putPoint(TagList& t, int code, const Point3& p, std::size_t at = npos) {
     std::size_t i = t.find(code);
-    if (i != npos) putPointAt(t, i, p);
-    else addPoints(t, std::min(at, t.size()), code, &p, &p + 1);
+    if (i != npos)
+        putPointAt(t, i, p);
+    else
+        addPoints(t, std::min(at, t.size()), code, &p, &p + 1);
 }
 
 // Where the point at `i` ends: past its Y and Z.
@@ -334,7 +357,8 @@ void putPoints(TagList& t, int code, const std::vector<Point3>& points, std::siz
             t.erase(i, pointEnd(t, i) - i);
         }
     }
-    addPoints(t, after == npos ? std::min(at, t.size()) : after, code, points.data() + n, points.data() + points.size());
+    addPoints(t, after == npos ? std::min(at, t.size()) : after, code, points.data() + n,
+              points.data() + points.size());
 }
 
 // Removes every point of the code, with its Y and Z.
@@ -344,13 +368,15 @@ bool finite(const Point3& p) { return std::isfinite(p.x) && std::isfinite(p.y) &
 
 // What makes a value unwritable; empty when it can be written.
 std::string check(const Multileader& v) {
-    bool ok = std::isfinite(v.scale) && finite(v.basePoint) && std::isfinite(v.textHeight) && std::isfinite(v.arrowSize) &&
-              std::isfinite(v.landingGap) && finite(v.planeOrigin) && finite(v.textLocation) && finite(v.textDirection) &&
-              finite(v.blockPosition) && finite(v.blockScale) && std::isfinite(v.blockRotation);
+    bool ok = std::isfinite(v.scale) && finite(v.basePoint) && std::isfinite(v.textHeight) &&
+              std::isfinite(v.arrowSize) && std::isfinite(v.landingGap) && finite(v.planeOrigin) &&
+              finite(v.textLocation) && finite(v.textDirection) && finite(v.blockPosition) && finite(v.blockScale) &&
+              std::isfinite(v.blockRotation);
     for (const Multileader::Leader& leader : v.leaders) {
         ok = ok && finite(leader.connection) && finite(leader.doglegDirection) && std::isfinite(leader.doglegLength);
         for (const Multileader::Line& line : leader.lines)
-            for (const Point3& p : line.vertices) ok = ok && finite(p);
+            for (const Point3& p : line.vertices)
+                ok = ok && finite(p);
     }
     if (!ok) return "a number that is not finite";
     if (v.text.find_first_of("\r\n") != std::string::npos) return "a text holding a line break (use \\P)";
@@ -371,24 +397,24 @@ TagList defaultText(const Multileader& v, std::string_view textStyle) {
     t.addPoint(kTextLocation, v.textLocation);
     t.addPoint(kTextDirection, v.textDirection);
     t.addReal(kTextRotation, rotationOf(v.textDirection));
-    t.add(43, "0");    // width: none, no wrapping
-    t.add(44, "0");    // defined height
-    t.add(45, "1");    // line spacing factor
-    t.add(170, "1");   // line spacing: at least
+    t.add(43, "0");   // width: none, no wrapping
+    t.add(44, "0");   // defined height
+    t.add(45, "1");   // line spacing factor
+    t.add(170, "1");  // line spacing: at least
     t.add(90, std::string(kByBlockColor));
     t.addInteger(kTextAttachment, v.textAttachment);
-    t.add(172, "1");   // flow: left to right
+    t.add(172, "1");                       // flow: left to right
     t.add(91, std::string(kWindowColor));  // background colour
-    t.add(141, "1.5"); // background scale
-    t.add(92, "0");    // background transparency
-    t.add(291, "0");   // background colour off
-    t.add(292, "0");   // background fill off
-    t.add(173, "0");   // no columns
-    t.add(293, "0");   // no auto height
+    t.add(141, "1.5");                     // background scale
+    t.add(92, "0");                        // background transparency
+    t.add(291, "0");                       // background colour off
+    t.add(292, "0");                       // background fill off
+    t.add(173, "0");                       // no columns
+    t.add(293, "0");                       // no auto height
     t.add(142, "0");
     t.add(143, "0");
     t.add(294, "0");
-    t.add(295, "1");   // word break
+    t.add(295, "1");  // word break
     return t;
 }
 
@@ -401,7 +427,8 @@ TagList defaultBlock(const Multileader& v) {
     t.addPoint(kBlockScale, v.blockScale);
     t.addReal(kBlockRotation, v.blockRotation);
     t.add(93, std::string(kByBlockColor));
-    for (int i = 0; i < 16; ++i) t.add(47, i % 5 == 0 ? "1" : "0");  // the identity, as writers leave it
+    for (int i = 0; i < 16; ++i)
+        t.add(47, i % 5 == 0 ? "1" : "0");  // the identity, as writers leave it
     return t;
 }
 
@@ -440,7 +467,11 @@ struct Templates {
             line.removeAll(kLineBreakIndex);
             break;
         }
-        if (line.empty()) line = {{kLineOpen, std::string(kLineText)}, {kLineIndex, "0"}, {92, std::string(kByBlockColor)}, {kLineClose, "}"}};
+        if (line.empty())
+            line = {{kLineOpen, std::string(kLineText)},
+                    {kLineIndex, "0"},
+                    {92, std::string(kByBlockColor)},
+                    {kLineClose, "}"}};
     }
 
     TagList newLine(const Multileader::Line& want, int index) const {
@@ -458,7 +489,8 @@ struct Indices {
     void see(const std::vector<Multileader::Leader>& leaders) {
         for (const Multileader::Leader& leader : leaders) {
             nextLeader = std::max(nextLeader, above(leader.index));
-            for (const Multileader::Line& line : leader.lines) nextLine = std::max(nextLine, above(line.index));
+            for (const Multileader::Line& line : leader.lines)
+                nextLine = std::max(nextLine, above(line.index));
         }
     }
     int takeLeader() { return std::exchange(nextLeader, above(nextLeader)); }
@@ -496,7 +528,8 @@ void writeLeader(TagList& out, const TagList& tags, const LeaderSpan& span, cons
         if (line.vertices != had.lines[static_cast<std::size_t>(k)].vertices) putPoints(t, kVertex, line.vertices, 1);
         append(out, t);
     }
-    for (std::size_t k = 1; k < span.lines.size(); ++k) append(out, slice(tags, span.lines[k - 1].end, span.lines[k].begin));
+    for (std::size_t k = 1; k < span.lines.size(); ++k)
+        append(out, slice(tags, span.lines[k - 1].end, span.lines[k].begin));
     append(out, slice(tags, leaderTailBegin(span), span.end));
 }
 
@@ -507,7 +540,8 @@ void writeNewLeader(TagList& out, const Multileader::Leader& want, const Templat
     putInteger(head, kLeaderIndex, indices.takeLeader());
     putReal(head, kDoglegLength, want.doglegLength);
     append(out, head);
-    for (const Multileader::Line& line : want.lines) append(out, templates.newLine(line, indices.takeLine()));
+    for (const Multileader::Line& line : want.lines)
+        append(out, templates.newLine(line, indices.takeLine()));
     append(out, templates.leaderTail);
 }
 
@@ -520,11 +554,15 @@ TagList writeLeaders(const TagList& tags, const Layout& at, const Multileader& h
     TagList out;
     for (const Multileader::Leader& leader : want.leaders) {
         int k = match(had.leaders, used, leader.index);
-        if (k < 0) writeNewLeader(out, leader, templates, indices);
-        else writeLeader(out, tags, at.leaders[static_cast<std::size_t>(k)], had.leaders[static_cast<std::size_t>(k)], leader, templates, indices);
+        if (k < 0)
+            writeNewLeader(out, leader, templates, indices);
+        else
+            writeLeader(out, tags, at.leaders[static_cast<std::size_t>(k)], had.leaders[static_cast<std::size_t>(k)],
+                        leader, templates, indices);
     }
     // Whatever lay between leaders stays, after them.
-    for (std::size_t k = 1; k < at.leaders.size(); ++k) append(out, slice(tags, at.leaders[k - 1].end, at.leaders[k].begin));
+    for (std::size_t k = 1; k < at.leaders.size(); ++k)
+        append(out, slice(tags, at.leaders[k - 1].end, at.leaders[k].begin));
     return out;
 }
 
@@ -613,9 +651,11 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
         putText(own, kEntityBlock, formatHandle(value.block), own.find(kEntityBlockColor));
     // The entity's copies of context values follow them where the entity has them.
     if (value.scale != had.scale && own.find(kEntityScale) != npos) putReal(own, kEntityScale, value.scale);
-    if (value.arrowSize != had.arrowSize && own.find(kEntityArrowSize) != npos) putReal(own, kEntityArrowSize, value.arrowSize);
+    if (value.arrowSize != had.arrowSize && own.find(kEntityArrowSize) != npos)
+        putReal(own, kEntityArrowSize, value.arrowSize);
     bool block = value.content == Content::Block;
-    if (block && value.blockScale != had.blockScale && own.find(kEntityBlockScale) != npos) putPoint(own, kEntityBlockScale, value.blockScale);
+    if (block && value.blockScale != had.blockScale && own.find(kEntityBlockScale) != npos)
+        putPoint(own, kEntityBlockScale, value.blockScale);
     if (block && value.blockRotation != had.blockRotation && own.find(kEntityBlockRotation) != npos)
         putReal(own, kEntityBlockRotation, value.blockRotation);
     append(out, own);
@@ -633,7 +673,8 @@ void moveMultileader(Multileader& value, const Point3& offset) {
     for (Multileader::Leader& leader : value.leaders) {
         move(leader.connection);
         for (Multileader::Line& line : leader.lines)
-            for (Point3& p : line.vertices) move(p);
+            for (Point3& p : line.vertices)
+                move(p);
     }
 }
 
@@ -714,7 +755,8 @@ Result<TagList> newMultileader(const Database& db, const Point3& textLocation, d
     tags.add(kLeaderIndex, "0");
     tags.addReal(kDoglegLength, leader.doglegLength);
     tags.add(kLineOpen, std::string(kLineText));
-    for (const Point3& p : vertices) tags.addPoint(kVertex, p);
+    for (const Point3& p : vertices)
+        tags.addPoint(kVertex, p);
     tags.add(kLineIndex, "0");
     tags.add(92, std::string(kByBlockColor));
     tags.add(kLineClose, "}");
@@ -765,5 +807,11 @@ Result<TagList> newMultileader(const Database& db, const Point3& textLocation, d
     if (r2013) tags.add(295, "0");
     return tags;
 }
+
+// Its leaders and content are read and written by the functions above; it is not placed under a
+// block reference or exploded, and its box is the points of its geometry.
+const EntityKindOps kinds::kMultileader{
+    .kind = EntityKind::Multileader,
+};
 
 }  // namespace veltarn::db

@@ -1,0 +1,45 @@
+// ARC: a circle's centre and radius (AcDbCircle) and its start and end angles (50, 51, degrees,
+// counter-clockwise in its OCS) in AcDbArc.
+#include "cad/db/kinds/KindSupport.h"
+#include "cad/db/kinds/Kinds.h"
+
+namespace veltarn::db::kinds {
+namespace {
+
+using namespace kind_support;
+
+Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
+    PlaneMap plane(p, normalIn(tags, from, to));
+    placeInPlane(tags, from, to, p, plane);
+    // A mirror runs the arc the other way: its ends trade places.
+    double start = tags.real(gc::kAngle, from, to).value_or(0), end = tags.real(gc::kAngle2, from, to).value_or(360);
+    double a = plane.angle(p.mirrored ? end : start), b = plane.angle(p.mirrored ? start : end);
+    tags.setRealIn("AcDbArc", gc::kAngle, std::fmod(a + 720, 360));
+    tags.setRealIn("AcDbArc", gc::kAngle2, std::fmod(b + 720, 360));
+    setNormal(tags, from, ownEnd(tags), plane.normal);
+    return {};
+}
+
+std::optional<Extents> extents(const TagList& tags) {
+    auto [from, to] = tags.subclass("AcDbCircle");
+    auto center = tags.point(gc::kX, from == TagList::npos ? 0 : from, to);
+    const double radius = std::abs(tags.real(gc::kReal, from == TagList::npos ? 0 : from, to).value_or(0));
+    if (!center) return std::nullopt;
+    auto [arcFrom, arcTo] = tags.subclass("AcDbArc");
+    const std::size_t begin = arcFrom == TagList::npos ? 0 : arcFrom;
+    Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
+    addArc(box, *center, radius, tags.real(gc::kAngle, begin, arcTo).value_or(0),
+           tags.real(gc::kAngle2, begin, arcTo).value_or(360));
+    return box;
+}
+
+}  // namespace
+
+const EntityKindOps kArc{
+    .kind = EntityKind::Arc,
+    .geometrySubclass = "AcDbCircle",
+    .place = place,
+    .extents = extents,
+};
+
+}  // namespace veltarn::db::kinds

@@ -1,0 +1,43 @@
+// CIRCLE: centre (10, in its OCS) and radius (40) in AcDbCircle.
+#include "cad/db/kinds/KindSupport.h"
+#include "cad/db/kinds/Kinds.h"
+
+namespace veltarn::db::kinds {
+namespace {
+
+using namespace kind_support;
+
+Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
+    PlaneMap plane(p, normalIn(tags, from, to));
+    placeInPlane(tags, from, to, p, plane);
+    setNormal(tags, from, to, plane.normal);
+    return {};
+}
+
+std::optional<Extents> extents(const TagList& tags) {
+    auto [from, to] = tags.subclass("AcDbCircle");
+    auto center = tags.point(gc::kX, from == TagList::npos ? 0 : from, to);
+    const double radius = std::abs(tags.real(gc::kReal, from == TagList::npos ? 0 : from, to).value_or(0));
+    if (!center) return std::nullopt;
+    Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
+    bool any = false;
+    for (double sign : {-1.0, 1.0}) {
+        const double x = center->x + sign * radius, y = center->y + sign * radius;
+        if (!std::isfinite(x) || !std::isfinite(y)) continue;
+        box.add(x, y);
+        any = true;
+    }
+    if (!any) return std::nullopt;
+    return box;
+}
+
+}  // namespace
+
+const EntityKindOps kCircle{
+    .kind = EntityKind::Circle,
+    .geometrySubclass = "AcDbCircle",
+    .place = place,
+    .extents = extents,
+};
+
+}  // namespace veltarn::db::kinds

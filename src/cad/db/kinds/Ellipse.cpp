@@ -1,0 +1,65 @@
+// ELLIPSE: centre (10) and major axis end relative to it (11) in WCS, minor to major ratio (40),
+// start and end parameters (41, 42, radians).
+#include "cad/db/kinds/KindSupport.h"
+#include "cad/db/kinds/Kinds.h"
+
+#include <numbers>
+
+namespace veltarn::db::kinds {
+namespace {
+
+using namespace kind_support;
+
+Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
+    Point3 n = normalIn(tags, from, to);
+    mapPoints(tags, gc::kX, from, to, [&](const Point3& q) { return p.map.apply(q); });
+    mapPoints(tags, gc::kX2, from, to, [&](const Point3& v) { return p.map.vector(v); });
+    if (p.mirrored) {  // the same normal side: the curve's parameter runs backwards
+        double start = tags.real(gc::kReal2, from, to).value_or(0),
+               end = tags.real(gc::kReal3, from, to).value_or(2 * std::numbers::pi);
+        mapReals(tags, gc::kReal2, from, to,
+                 [&](double) { return std::fmod(4 * std::numbers::pi - end, 2 * std::numbers::pi); });
+        mapReals(tags, gc::kReal3, from, to,
+                 [&](double) { return std::fmod(4 * std::numbers::pi - start, 2 * std::numbers::pi); });
+    }
+    setNormal(tags, from, to, normalized(p.map.vector(n)));
+    return {};
+}
+
+// Points are c + a cos t + b sin t; x and y are extreme where their derivatives vanish.
+std::optional<Extents> extents(const TagList& tags) {
+    auto center = tags.point(gc::kX);
+    auto axis = tags.point(gc::kX2);
+    if (!center || !axis) return std::nullopt;
+    const double ratio = tags.real(gc::kReal).value_or(1);
+    const double ax = axis->x, ay = axis->y, bx = -axis->y * ratio, by = axis->x * ratio;
+    double start = tags.real(gc::kReal2).value_or(0), end = tags.real(gc::kReal3).value_or(2 * std::numbers::pi);
+    const double turn = 2 * std::numbers::pi;
+    start = std::fmod(start, turn);
+    if (start < 0) start += turn;
+    end = std::fmod(end, turn);
+    if (end < 0) end += turn;
+    if (end <= start) end += turn;
+    Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
+    auto addAt = [&](double t) {
+        box.add(center->x + ax * std::cos(t) + bx * std::sin(t), center->y + ay * std::cos(t) + by * std::sin(t));
+    };
+    addAt(start);
+    addAt(end);
+    for (double extreme : {std::atan2(bx, ax), std::atan2(by, ay)}) {
+        for (double t = extreme - turn; t < end + turn; t += std::numbers::pi)
+            if (t > start && t < end) addAt(t);
+    }
+    return box;
+}
+
+}  // namespace
+
+const EntityKindOps kEllipse{
+    .kind = EntityKind::Ellipse,
+    .geometrySubclass = "AcDbEllipse",
+    .place = place,
+    .extents = extents,
+};
+
+}  // namespace veltarn::db::kinds

@@ -1,0 +1,10 @@
+// MPOLYGON: a polygon with holes and fill, kept as its tags; the workbench only tells it apart.
+#include "cad/db/kinds/Kinds.h"
+
+namespace veltarn::db::kinds {
+
+const EntityKindOps kMPolygon{
+    .kind = EntityKind::MPolygon,
+};
+
+}  // namespace veltarn::db::kinds
