@@ -7,6 +7,7 @@
 #include "cad/dxf/TagScanners.h"
 
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -26,12 +27,16 @@ struct Piece {
     std::size_t resumeAt = 0;        // BadCode: the line reading went on at (0: nowhere, the file ended)
 };
 
+// What the repair needs to know of the file's form; the pieces go to it one by one as they are
+// read, so that no list of every tag is kept (a tag list of a large drawing is near its size again).
+using PieceSink = std::function<void(const Piece&)>;
 struct Scan {
-    std::vector<Piece> pieces;
     std::string prefix;  // the byte-order mark or the binary sentinel
     bool binary = false;
     bool oneByteCodes = false;
 };
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view trim(std::string_view text) { return dxf::trimSpaces(text); }
 
@@ -65,10 +70,8 @@ bool looksLikeType(std::string_view text) {
 
 // Lines of an ASCII file, read as pairs; a line that is no group code is skipped up to the next
 // `0` line followed by an object type, where the pairs are in step again.
-Scan scanAscii(const std::string& bytes) {
-    Scan scan;
-    std::size_t pos = bytes.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
-    scan.prefix = bytes.substr(0, pos);
+void scanAscii(const std::string& bytes, const PieceSink& each) {
+    std::size_t pos = bytes.compare(0, 3, kByteOrderMark) == 0 ? kByteOrderMark.size() : 0;
     std::size_t line = 1;
     auto lineAt = [&](std::size_t from) {
         std::size_t end = bytes.find('\n', from);
@@ -98,22 +101,22 @@ Scan scanAscii(const std::string& bytes) {
                 ++scanLine;
             }
             bad.resumeAt = found ? scanLine : 0;
-            scan.pieces.push_back(std::move(bad));
+            each(std::move(bad));
             if (!found) break;
             pos = scanPos;
             line = scanLine;
             continue;
         }
         if (codeEnd == std::string::npos) {
-            scan.pieces.push_back(Piece{Piece::Kind::Cut, *code, std::string_view{}, pos, bytes.size(), line,
-                                        "group code " + std::to_string(*code) + " without its value", 0});
+            each(Piece{Piece::Kind::Cut, *code, std::string_view{}, pos, bytes.size(), line,
+                       "group code " + std::to_string(*code) + " without its value", 0});
             break;
         }
         auto [value, valueEnd] = lineAt(codeEnd + 1);
         if (!value.empty() && value.back() == '\r') value.remove_suffix(1);
         if (valueEnd == std::string::npos && codeEnd + 1 >= bytes.size()) {
-            scan.pieces.push_back(Piece{Piece::Kind::Cut, *code, std::string_view{}, pos, bytes.size(), line,
-                                        "group code " + std::to_string(*code) + " without its value", 0});
+            each(Piece{Piece::Kind::Cut, *code, std::string_view{}, pos, bytes.size(), line,
+                       "group code " + std::to_string(*code) + " without its value", 0});
             break;
         }
         Piece tag{Piece::Kind::Tag,
@@ -131,23 +134,23 @@ Scan scanAscii(const std::string& bytes) {
                 tag.kind = Piece::Kind::Cut;
                 tag.problem =
                     "group code " + std::to_string(*code) + " with a value cut short, " + dxf::quoteForMessage(value);
-                scan.pieces.push_back(std::move(tag));
+                each(std::move(tag));
                 break;
             }
         }
-        scan.pieces.push_back(tag);
+        each(tag);
         if (*code == dxf::code::kStructure && trim(value) == "EOF") break;
         pos = tag.end;
         line += 2;
     }
-    return scan;
 }
 
 // A binary file: the strict scanner hands over every whole tag before the fault, which is where
 // the file was cut (a binary file has no lines to get back in step at).
 class BinaryCollector final : public dxf::TagSink {
 public:
-    BinaryCollector(Scan& scan, const std::string& bytes) : scan_(scan), bytes_(bytes) {}
+    BinaryCollector(Scan& scan, const std::string& bytes, const PieceSink& each)
+        : scan_(scan), bytes_(bytes), each_(each) {}
     void take(const dxf::TagFile& file, std::span<const dxf::ScannedTag> tags) override {
         scan_.oneByteCodes = file.oneByteGroupCodes();
         for (const dxf::ScannedTag& tag : tags) {
@@ -160,26 +163,27 @@ public:
                         tag.start,
                         {},
                         0};
-            if (scan_.pieces.empty()) piece.start = dxf::kBinarySentinel.size();  // the sentinel is the prefix
-            scan_.pieces.push_back(piece);
+            if (first_) piece.start = dxf::kBinarySentinel.size();  // the sentinel is the prefix
+            first_ = false;
+            lastWasEof_ = piece.code == dxf::code::kStructure && trim(piece.value) == "EOF";
+            each_(piece);
         }
         lastEnd_ = tags.empty() ? lastEnd_ : tags.back().end;
     }
     std::size_t lastEnd_ = dxf::kBinarySentinel.size();
+    bool lastWasEof_ = false;
 
 private:
     Scan& scan_;
     const std::string& bytes_;
+    const PieceSink& each_;
+    bool first_ = true;
 };
 
-Scan scanBinary(const std::string& bytes, const std::string& name) {
-    Scan scan;
-    scan.binary = true;
-    scan.prefix = std::string(dxf::kBinarySentinel);
-    BinaryCollector collector(scan, bytes);
+void scanBinary(const std::string& bytes, const std::string& name, Scan& scan, const PieceSink& each) {
+    BinaryCollector collector(scan, bytes, each);
     auto file = dxf::TagFile::parse(bytes, name, collector);
-    bool endsWithEof = !scan.pieces.empty() && scan.pieces.back().code == dxf::code::kStructure &&
-                       trim(scan.pieces.back().value) == "EOF";
+    bool endsWithEof = collector.lastWasEof_;
     if (!file && !endsWithEof && collector.lastEnd_ < bytes.size()) {
         // The scanner's own words for the cut, without the file name it starts with.
         std::string message = file.message();
@@ -187,10 +191,9 @@ Scan scanBinary(const std::string& bytes, const std::string& name) {
             std::size_t colon = message.find(": ", name.size() + 2);
             if (colon != std::string::npos) message = message.substr(colon + 2);
         }
-        scan.pieces.push_back(Piece{Piece::Kind::Cut, 0, std::string_view{}, collector.lastEnd_, bytes.size(),
-                                    collector.lastEnd_, message, 0});
+        each(Piece{Piece::Kind::Cut, 0, std::string_view{}, collector.lastEnd_, bytes.size(), collector.lastEnd_,
+                   message, 0});
     }
-    return scan;
 }
 
 bool isNumberText(int code, std::string_view value) {
@@ -213,26 +216,27 @@ bool isMarker(std::string_view type) {
 
 class Repairer {
 public:
-    Repairer(const std::string& bytes, const std::string& name, Scan scan)
-        : bytes_(bytes), name_(name), scan_(std::move(scan)) {
+    Repairer(const std::string& bytes, const std::string& name, const Scan& scan)
+        : bytes_(bytes), name_(name), scan_(scan) {
         out_ = scan_.prefix;
     }
 
-    RepairedText run() {
-        for (const Piece& piece : scan_.pieces) {
-            if (eof_) break;
-            switch (piece.kind) {
-                case Piece::Kind::Tag:
-                    tag(piece);
-                    break;
-                case Piece::Kind::BadCode:
-                    badCode(piece);
-                    break;
-                case Piece::Kind::Cut:
-                    cut(piece);
-                    break;
-            }
+    void take(const Piece& piece) {
+        if (eof_) return;
+        switch (piece.kind) {
+            case Piece::Kind::Tag:
+                tag(piece);
+                break;
+            case Piece::Kind::BadCode:
+                badCode(piece);
+                break;
+            case Piece::Kind::Cut:
+                cut(piece);
+                break;
         }
+    }
+
+    RepairedText finish() {
         if (!eof_) {
             flushStray();
             if (state_ == State::Name) dropSectionStart("the file ends");
@@ -496,7 +500,7 @@ private:
 
     const std::string& bytes_;
     const std::string& name_;
-    Scan scan_;
+    const Scan& scan_;
     std::string out_;
     std::vector<Finding> findings_;
     std::size_t kept_ = 0;
@@ -543,9 +547,18 @@ void eraseOrphans(db::Database& drawing, std::vector<db::Handle> dropped, std::v
 Result<RepairedText> repairTagStream(std::string bytes, const std::string& name) {
     if (bytes.empty()) return makeError(name + ": the file is empty, nothing to recover");
     const bool binary = bytes.compare(0, dxf::kBinarySentinel.size(), dxf::kBinarySentinel) == 0;
-    Scan scan = binary ? scanBinary(bytes, name) : scanAscii(bytes);
-    Repairer repairer(bytes, name, std::move(scan));
-    RepairedText repaired = repairer.run();
+    Scan scan;
+    scan.binary = binary;
+    scan.prefix = binary                              ? std::string(dxf::kBinarySentinel)
+                  : bytes.starts_with(kByteOrderMark) ? std::string(kByteOrderMark)
+                                                      : "";
+    Repairer repairer(bytes, name, scan);
+    const PieceSink each = [&repairer](const Piece& piece) { repairer.take(piece); };
+    if (binary)
+        scanBinary(bytes, name, scan, each);
+    else
+        scanAscii(bytes, each);
+    RepairedText repaired = repairer.finish();
     if (repairer.kept() == 0) return makeError(name + ": no DXF tags could be read, nothing to recover");
     return repaired;
 }
