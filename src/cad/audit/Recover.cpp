@@ -232,6 +232,7 @@ public:
                 break;
             case Piece::Kind::Cut:
                 cut(piece);
+                lastWasCut_ = true;
                 break;
         }
     }
@@ -241,6 +242,9 @@ public:
             flushStray();
             if (state_ == State::Name) dropSectionStart("the file ends");
             if (state_ == State::Inside) {
+                if (inObject_ && objectFault_.empty() && !lastWasCut_)
+                    dropUnfinished(name_ + ":" + endWhere() + ": the file ends inside " + objectName() +
+                                   ", which may be incomplete");
                 endObject();
                 closeSection(name_ + ":" + endWhere() + ": the file ends inside section " + sectionName_ +
                              " (opened at " + whereText(sectionAt_) + "); closed");
@@ -489,13 +493,27 @@ private:
 
     void cut(const Piece& piece) {
         std::string message = where(piece.at) + ": the file ends inside a tag (" + piece.problem + ")";
-        if (state_ == State::Inside && (objectDroppable() || (inObject_ && objectIsVariable_))) {
+        if (state_ != State::Inside || !dropUnfinished(message)) add("truncated", message + "; the tag dropped");
+    }
+
+    // The object the file ends in may lack tags its readers require (a 20 after its 10): it is
+    // dropped. A block or table header goes with its block or table, a cut ENDBLK is written anew.
+    bool dropUnfinished(const std::string& message) {
+        if (!inObject_) return false;
+        if (objectDroppable() || objectIsVariable_) {
             objectFault_ = message;
             objectFaultCode_ = "truncated";
             endObject();
-            return;
+            return true;
         }
-        add("truncated", message + "; the tag dropped");
+        if (objectType_ != "BLOCK" && objectType_ != "ENDBLK" && objectType_ != "TABLE") return false;
+        out_.resize(objectStart_);
+        add("truncated", message + "; " + objectType_ + " at " + whereText(objectAt_) + " dropped");
+        if (objectType_ == "BLOCK") inBlock_ = false;
+        if (objectType_ == "ENDBLK") inBlock_ = true;
+        if (objectType_ == "TABLE") inTable_ = false;
+        inObject_ = false;
+        return true;
     }
 
     const std::string& bytes_;
@@ -520,6 +538,7 @@ private:
     std::size_t objectStart_ = 0, objectAt_ = 0;
     std::string objectType_, objectFault_, objectFaultCode_, objectHandle_;
     std::vector<db::Handle> dropped_;
+    bool lastWasCut_ = false;
 };
 
 // Objects a dropped object owned (its extension dictionary, the xrecords in that) would be left

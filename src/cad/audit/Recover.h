@@ -7,7 +7,8 @@
 //    reading goes on at the next `0` line followed by an object type.
 //  * A number that is no number (`bad-number`): the object holding it is dropped (a header
 //    variable: the variable; a section, table or block marker: that one tag).
-//  * The file ends inside a tag (`truncated`): the cut tag and the object it belongs to are dropped.
+//  * The file ends inside a tag, or between the tags of an object that may then lack some
+//    (`truncated`): the object is dropped (a block or table header with its block or table).
 //  * Tags outside any section (`stray-tags`): dropped.
 //  * A section, table or block that is not closed (`section-not-closed`, `table-not-closed`,
 //    `block-not-closed`): it is closed where the next one starts or the file ends.

@@ -124,6 +124,32 @@ TEST(Recover, TruncatedInsideATagDropsTheCutObjectAndClosesTheFile) {
     expectSavesClean(recovery, "cut");
 }
 
+// Cut on a line boundary, the file ends in a table, a block or an entity that may lack tags its
+// readers require: it is dropped, and the table or block is closed.
+TEST(Recover, CutBetweenTagsInTablesAndBlocks) {
+    const Lines good(testtools::readBytes(drawing2018()));
+    for (const char* section : {"TABLES", "BLOCKS"}) {
+        for (std::size_t lines : {60u, 200u, 400u}) {
+            const std::string name = std::string(section) + "-" + std::to_string(lines);
+            const Recovery recovery = recovered(good.text(1, good.section(section) + lines), name + ".dxf");
+            std::vector<std::string> codes = codesOf(recovery.skipped);
+            EXPECT_TRUE(std::find(codes.begin(), codes.end(), "truncated") != codes.end()) << name;
+            EXPECT_EQ(codes.back(), "missing-eof") << name;
+            expectSavesClean(recovery, name);
+        }
+    }
+    // Cut before a block's ENDBLK: its last entity goes (it may be cut), the block is closed anew.
+    const std::size_t solid = good.object("SOLID", 0, good.section("BLOCKS"));
+    const std::size_t endblk = good.object("ENDBLK", 0, solid);
+    const Recovery open = recovered(good.text(1, endblk), "endblk.dxf");
+    EXPECT_EQ(codesOf(open.skipped),
+              (std::vector<std::string>{"truncated", "block-not-closed", "section-not-closed", "missing-eof"}));
+    EXPECT_EQ(open.skipped[0].message, "endblk.dxf:" + std::to_string(endblk) +
+                                           ": the file ends inside SOLID, which may be incomplete; SOLID at line " +
+                                           std::to_string(solid) + " dropped");
+    expectSavesClean(open, "endblk");
+}
+
 TEST(Recover, SectionWithoutEndsecAndFileWithoutEof) {
     const Lines good(testtools::readBytes(drawing2018()));
     auto intact = db::Database::parse(good.text(), "good.dxf");
