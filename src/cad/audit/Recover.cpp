@@ -246,6 +246,7 @@ public:
                     dropUnfinished(name_ + ":" + endWhere() + ": the file ends inside " + objectName() +
                                    ", which may be incomplete");
                 endObject();
+                if (sequenceOpen_) closeSequence(name_ + ":" + endWhere());
                 closeSection(name_ + ":" + endWhere() + ": the file ends inside section " + sectionName_ +
                              " (opened at " + whereText(sectionAt_) + "); closed");
             }
@@ -306,6 +307,9 @@ private:
     // --- objects: the tags from one `0` (a header variable: one `9`) to the next ---------------
     void startObject(const Piece& piece) {
         endObject();
+        previousType_ = inObjectKept_ ? objectType_ : "";
+        previousAt_ = objectAt_;
+        inObjectKept_ = true;
         objectStart_ = out_.size();
         objectAt_ = piece.at;
         objectType_ = std::string(trim(piece.value));
@@ -321,6 +325,10 @@ private:
             if (auto handle = db::parseHandle(objectHandle_); handle && *handle != db::kNoHandle)
                 dropped_.push_back(*handle);
             add(objectFaultCode_, objectFault_ + "; " + objectName() + " at " + whereText(objectAt_) + " dropped");
+            if (objectType_ == "POLYLINE" && sequenceOpen_ && sequenceAt_ == objectAt_)
+                sequenceOpen_ = false;                                                    // its head went
+            if (objectType_ == "SEQEND" && !sequenceType_.empty()) sequenceOpen_ = true;  // its end went: written anew
+            inObjectKept_ = false;
         }
         inObject_ = false;
         objectFault_.clear();
@@ -398,6 +406,16 @@ private:
         state_ = State::Outside;
         header_ = tables_ = blocks_ = false;
     }
+    // A polyline's vertices or an insert's attributes the file ends in, or that another object
+    // follows, get their SEQEND: readers take every entity up to one as part of the sequence.
+    void closeSequence(const std::string& at) {
+        add("sequence-not-closed",
+            at + ": the " + sequenceType_ + " at " + whereText(sequenceAt_) + " has no SEQEND; added");
+        synth(dxf::code::kStructure, "SEQEND");
+        if (version_ != "AC1009") synth(dxf::code::kSubclass, "AcDbEntity");
+        synth(8, "0");
+        sequenceOpen_ = false;
+    }
     void closeBlock() {
         synth(dxf::code::kStructure, "ENDBLK");
         if (version_ != "AC1009") synth(dxf::code::kSubclass, "AcDbEntity");
@@ -408,6 +426,11 @@ private:
 
     void inside(const Piece& piece) {
         const std::string_view word = trim(piece.value);
+        if (piece.code == dxf::code::kStructure && sequenceOpen_ && word != "VERTEX" && word != "ATTRIB" &&
+            word != "SEQEND") {
+            endObject();
+            closeSequence(where(piece.at));
+        }
         if (piece.code == dxf::code::kStructure) {
             if (word == "ENDSEC") {
                 endObject();
@@ -423,6 +446,18 @@ private:
                 return;
             }
             startObject(piece);
+            // Vertices and attributes follow their polyline or insert up to a SEQEND.
+            if (word == "POLYLINE") {
+                sequenceOpen_ = true;
+                sequenceAt_ = piece.at;
+                sequenceType_ = "POLYLINE";
+            } else if (word == "ATTRIB" && !sequenceOpen_ && previousType_ == "INSERT") {
+                sequenceOpen_ = true;
+                sequenceAt_ = previousAt_;
+                sequenceType_ = "INSERT";
+            } else if (word == "SEQEND") {
+                sequenceOpen_ = false;
+            }
             if (tables_ && word == "TABLE") {
                 if (inTable_) {
                     add("table-not-closed", where(tableAt_) + ": table is not closed by 0 ENDTAB; closed");
@@ -539,6 +574,9 @@ private:
     std::string objectType_, objectFault_, objectFaultCode_, objectHandle_;
     std::vector<db::Handle> dropped_;
     bool lastWasCut_ = false;
+    bool inObjectKept_ = false, sequenceOpen_ = false;
+    std::string previousType_, sequenceType_;
+    std::size_t previousAt_ = 0, sequenceAt_ = 0;
 };
 
 // Objects a dropped object owned (its extension dictionary, the xrecords in that) would be left

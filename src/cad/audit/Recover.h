@@ -12,6 +12,8 @@
 //  * Tags outside any section (`stray-tags`): dropped.
 //  * A section, table or block that is not closed (`section-not-closed`, `table-not-closed`,
 //    `block-not-closed`): it is closed where the next one starts or the file ends.
+//  * A polyline's vertices or an insert's attributes without their SEQEND (`sequence-not-closed`):
+//    one is added.
 //  * No `0 EOF` (`missing-eof`): one is added.
 //  * Objects a dropped object owned (its extension dictionary and what is in it) are erased with it
 //    (`owner-dropped`), as its own data.

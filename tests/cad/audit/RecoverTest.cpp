@@ -150,6 +150,37 @@ TEST(Recover, CutBetweenTagsInTablesAndBlocks) {
     expectSavesClean(open, "endblk");
 }
 
+// A polyline's vertices run up to a SEQEND: one the cut took is written anew.
+TEST(Recover, CutPolylineGetsItsSeqend) {
+    const fs::path r12 = testtools::generated("recover-r12.dxf", "6 --seed 3 --version R12");
+    const Lines good(testtools::readBytes(r12));
+    const std::size_t polyline = good.object("POLYLINE", 0, good.section("ENTITIES"));
+    const std::size_t seqend = good.object("SEQEND", 0, polyline);
+    const Recovery recovery = recovered(good.text(1, seqend), "polyline.dxf");
+    EXPECT_EQ(codesOf(recovery.skipped),
+              (std::vector<std::string>{"truncated", "sequence-not-closed", "section-not-closed", "missing-eof"}));
+    ASSERT_EQ(recovery.skipped.size(), 4u);
+    EXPECT_EQ(recovery.skipped[1].message, "polyline.dxf:" + std::to_string(seqend) + ": the POLYLINE at line " +
+                                               std::to_string(polyline) + " has no SEQEND; added");
+    expectSavesClean(recovery, "polyline");
+}
+
+// Wherever an R12 or 2018 file, ASCII or binary, is cut, what is recovered is a drawing both
+// readers take.
+TEST(Recover, CutAnywhereLeavesADrawingBothReadersTake) {
+    for (const std::string form : {"--version R12", "--version R12 --binary", "--binary"}) {
+        const std::string name = "recover-any" + std::to_string(form.size()) + ".dxf";
+        const std::string bytes = testtools::readBytes(testtools::generated(name, "6 --seed 3 " + form));
+        for (std::size_t tenths : {3u, 5u, 7u, 9u}) {
+            const std::string cut = name + "-" + std::to_string(tenths);
+            const Recovery recovery = recovered(bytes.substr(0, bytes.size() * tenths / 10), cut);
+            ASSERT_FALSE(recovery.skipped.empty()) << cut;
+            EXPECT_EQ(recovery.skipped.back().code, "missing-eof") << cut;
+            expectSavesClean(recovery, cut);
+        }
+    }
+}
+
 TEST(Recover, SectionWithoutEndsecAndFileWithoutEof) {
     const Lines good(testtools::readBytes(drawing2018()));
     auto intact = db::Database::parse(good.text(), "good.dxf");
