@@ -80,7 +80,8 @@ std::size_t entitiesIn(const db::Database& db) { return db.entitiesOf(db.modelSp
 
 // What every recovered drawing must be: saved, it loads strictly and ezdxf's auditor finds nothing.
 void expectSavesClean(const Recovery& recovery, const std::string& name) {
-    const fs::path saved = testtools::scratchDir("recover", "saved") / (name + ".dxf");
+    // A folder of its own: ctest runs the tests side by side, and a scratch folder starts empty.
+    const fs::path saved = testtools::scratchDir("recover-saved", name) / (name + ".dxf");
     auto written = recovery.drawing.save(saved);
     ASSERT_TRUE(written.ok()) << written.message();
     auto again = db::Database::load(saved);
