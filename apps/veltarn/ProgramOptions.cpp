@@ -53,6 +53,8 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
             options.checkClassifier = *value;
         } else if (argument == "--audit") {
             options.audit = true;
+        } else if (argument == "--recover") {
+            options.recover = true;
         } else if (argument.size() > 1 && argument[0] == '-') {
             parsed.error = "unknown option '" + argument + "'";
             return parsed;
@@ -71,6 +73,11 @@ ParsedOptions parseProgramOptions(const std::vector<std::string>& arguments) {
         parsed.error = "--audit needs a drawing";
     else if (options.audit && (!options.inputs.empty() || options.saveAs || options.checkClassifier))
         parsed.error = "--audit runs no scripts, commands or classifier check and saves nothing";
+    // A recovery is its own run: what it read is saved with --save-as, never over the damaged file.
+    else if (options.recover && !options.drawing)
+        parsed.error = "--recover needs a drawing";
+    else if (options.recover && (!options.inputs.empty() || options.checkClassifier || options.audit))
+        parsed.error = "--recover runs no scripts, commands, classifier check or audit";
     return parsed;
 }
 
@@ -78,6 +85,7 @@ std::string usageText() {
     return "usage: veltarn [DRAWING] [--script FILE]... [--command TEXT]... [--save-as OUT]\n"
            "       veltarn [DRAWING] --check-classifier FILE [--save-as OUT]\n"
            "       veltarn DRAWING --audit\n"
+           "       veltarn --recover DRAWING [--save-as OUT]\n"
            "\n"
            "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
            "given), runs the scripts and command texts in the order given, then, with --save-as,\n"
@@ -97,6 +105,10 @@ std::string usageText() {
            "                  draw order, blocks, classes, object data), print one line per finding\n"
            "                  and \"N errors found, N fixed\"; exit status 1 when there are findings.\n"
            "                  The file is not changed\n"
+           "  --recover       read a damaged DRAWING as far as it can be read, print what was\n"
+           "                  skipped and the audit's repairs, then \"N errors found, N fixed\";\n"
+           "                  --save-as saves the recovered drawing. The file is not changed;\n"
+           "                  exit status 1 when nothing could be read\n"
            "  --help          show this text\n"
            "  --version       show the program's version\n"
            "\n"

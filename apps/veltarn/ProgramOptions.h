@@ -20,6 +20,7 @@ struct ProgramOptions {
     std::vector<ProgramInput> inputs;
     std::optional<std::string> checkClassifier;  // check this classifier file instead of running commands
     bool audit = false;  // check the drawing's invariants instead of running commands; nothing is saved
+    bool recover = false;  // read a damaged drawing as far as it can be, audit it with repairs; --save-as saves it
     bool help = false;
     bool version = false;
 };

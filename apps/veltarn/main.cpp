@@ -10,6 +10,7 @@
 #include "ProgramInputFeed.h"
 #include "ProgramOptions.h"
 #include "cad/audit/Auditor.h"
+#include "cad/audit/Recover.h"
 #include "cad/seam/HeaderVariables.h"
 #include "cad/seam/WorkbenchHost.h"
 #include "cad/session/WorkbenchSession.h"
@@ -78,6 +79,23 @@ int main(int argc, char** argv) {
     }
     if (options.version) {
         std::cout << "veltarn " VELTARN_VERSION "\n";
+        return app::kExitOk;
+    }
+
+    // A damaged drawing read as far as it can be; the file itself is only read.
+    if (options.recover) {
+        auto recovered = audit::recoverDrawing(*options.drawing);
+        if (!recovered) return fail(app::kExitFileError, recovered.message());
+        std::vector<audit::Finding> all = recovered->skipped;
+        all.insert(all.end(), recovered->audit.begin(), recovered->audit.end());
+        for (const audit::Finding& finding : all)
+            std::cout << finding.code << ": " << finding.message << "\n";
+        std::cout << audit::summary(all) << "\n";
+        std::cout.flush();
+        if (options.saveAs) {
+            if (auto saved = recovered->drawing.save(*options.saveAs); !saved)
+                return fail(app::kExitFileError, saved.message());
+        }
         return app::kExitOk;
     }
 

@@ -1,5 +1,7 @@
-// NEW, OPEN, SAVE, SAVEAS and QUIT: the drawing of the session, its file, and the end of the session.
+// NEW, OPEN, RECOVER, SAVE, SAVEAS and QUIT: the drawing of the session, its file, and the end of the session.
 #include "cad/commands/HostSession.h"
+
+#include "cad/audit/Recover.h"
 
 #include "cad/seam/HeaderVariables.h"
 #include "cad/seam/ValueConversion.h"
@@ -91,6 +93,32 @@ void registerDrawingCommands(HostSession& session) {
         if (!mayClose(session)) return;
         for (const std::string& notice : read.value()->raw().loadNotices()) session.host.editor().print(seam::wide(notice) + L"\n");
         session.host.openDocument(std::move(read.value()));
+    });
+    // RECOVER reads a damaged file as far as it can and audits the result; the recovered drawing is
+    // new work under the old name, so nothing is written until the user saves.
+    commands.addCommand(group, L"RECOVER", L"RECOVER", host::CommandFlags::kModal, [&session] {
+        host::FileDialogRequest request = kDrawingFile;
+        request.title = L"Select File";
+        std::optional<std::wstring> path = session.host.dialogs().openFile(request);
+        if (!path) return;
+        auto recovered = audit::recoverDrawing(seam::narrow(*path));
+        if (!recovered) {
+            session.host.editor().print(L"Error: " + seam::wide(recovered.message()) + L"\n");
+            return;
+        }
+        if (!mayClose(session)) return;
+        audit::Recovery& recovery = recovered.value();
+        for (const audit::Finding& finding : recovery.skipped)
+            session.host.editor().print(seam::wide(finding.code + ": " + finding.message) + L"\n");
+        for (const audit::Finding& finding : recovery.audit)
+            session.host.editor().print(seam::wide(finding.code + ": " + finding.message) + L"\n");
+        std::vector<audit::Finding> all = recovery.skipped;
+        all.insert(all.end(), recovery.audit.begin(), recovery.audit.end());
+        session.host.editor().print(seam::wide(audit::summary(all)) + L"\n");
+        auto drawing = std::make_unique<seam::WorkbenchDatabase>(std::move(recovery.drawing),
+                                                                 std::filesystem::path(seam::narrow(*path)));
+        drawing->setModified(true);
+        session.host.openDocument(std::move(drawing));
     });
     commands.addCommand(group, L"SAVE", L"SAVE", host::CommandFlags::kModal, [&session] { (void)save(session); });
     commands.addCommand(group, L"SAVEAS", L"SAVEAS", host::CommandFlags::kModal, [&session] { (void)saveAs(session); });

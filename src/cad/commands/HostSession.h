@@ -29,7 +29,7 @@ inline constexpr wchar_t kHostGroup[] = L"WORKBENCH";
 void registerHostCommands(HostSession& session);
 
 // Each file's commands; registerHostCommands() calls them in this order.
-void registerDrawingCommands(HostSession& session);    // NEW, OPEN, SAVE, SAVEAS, QUIT
+void registerDrawingCommands(HostSession& session);    // NEW, OPEN, RECOVER, SAVE, SAVEAS, QUIT
 void registerUndoCommands(HostSession& session);       // UNDO, U, REDO
 void registerSelectionCommands(HostSession& session);  // SELECT, ERASE
 void registerListCommand(HostSession& session);        // LIST

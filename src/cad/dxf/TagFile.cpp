@@ -74,7 +74,10 @@ Result<TagFile> TagFile::read(std::string bytes, std::string name, TagSink* sink
         tags += scanned.size();
         file.tagsEnd_ = scanned.back().end;
     });
-    if (auto scanned = binary ? BinaryTagScanner::scan(file, window) : AsciiTagScanner::scan(file, window); !scanned) return scanned.error();
+    if (auto scanned = binary ? BinaryTagScanner::scan(file, window) : AsciiTagScanner::scan(file, window); !scanned) {
+        window.flush();  // a sink gets every whole tag before the fault: RECOVER keeps them
+        return scanned.error();
+    }
     window.flush();
     if (tags == 0) return makeError(file.name_ + ": expected DXF tags, found none");
     if (auto checked = sections.finish(); !checked) return checked.error();
