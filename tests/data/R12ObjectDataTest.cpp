@@ -73,7 +73,9 @@ class R12Drawing : public testing::TestWithParam<Form> {
 protected:
     void SetUp() override {
         ASSERT_EQ(testtools::missingEzdxf(), "");
-        dir_ = test::scratchDir(std::string("r12-") + GetParam().name);
+        // A folder per test, not per form: ctest runs the tests of one form side by side.
+        const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        dir_ = test::scratchDir(std::string("r12-") + GetParam().name + "-" + test.substr(0, test.find('/')));
         source_ = dir_ / "r12.dxf";
         std::string output;
         ASSERT_EQ(test::runPython(kGenerator + "6 '" + source_.string() + "' --version R12 --layers 2 " +
