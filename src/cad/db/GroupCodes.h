@@ -60,8 +60,20 @@ constexpr int kSortEntity = 331;     // SORTENTSTABLE: the entity
 constexpr int kBlockRecordPointer = 340;
 constexpr int kLayoutBlockRecord = 330;
 
+constexpr int kPlotStylePointerMax = 399;   // 390-399: more hard pointers
+constexpr int kOwnerSoftPointer = 480;      // 480, 481: pointers of later versions
+constexpr int kOwnerHardPointer = 481;
+
 // Xdata.
 constexpr int kXdataApp = 1001;
+constexpr int kXdataHandleRef = 1005;  // a handle in xdata, renumbered with the objects
+
+// True for a group code whose value is a handle of another object: what copying and converting
+// must translate.
+constexpr bool isHandleReference(int code) {
+    return (code >= kPointerMin && code <= kPointerMax) || (code >= kPlotStyle && code <= kPlotStylePointerMax) ||
+           code == kOwnerSoftPointer || code == kOwnerHardPointer || code == kXdataHandleRef;
+}
 
 }  // namespace veltarn::db::gc
 

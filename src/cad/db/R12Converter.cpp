@@ -61,10 +61,7 @@ private:
         return {};
     }
 
-    static bool isPointer(int code) {
-        return (code >= gc::kPointerMin && code <= gc::kPointerMax) || (code >= 390 && code <= 399) || code == 480 || code == 481 ||
-               code == 1005;
-    }
+    static bool isPointer(int code) { return gc::isHandleReference(code); }
 
     Handle fresh() { return next_++; }
 

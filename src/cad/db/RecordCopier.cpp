@@ -12,7 +12,6 @@
 namespace veltarn::db {
 namespace {
 
-constexpr int kXdataHandle = 1005;
 constexpr int kBlockAnonymous = 1;
 constexpr int kStyleShapeFile = 1;
 
@@ -36,10 +35,7 @@ std::string_view dictionaryOf(RecordKind kind) {
     }
 }
 
-bool isPointer(int code) {
-    return (code >= gc::kPointerMin && code <= gc::kPointerMax) || (code >= 390 && code <= 399) || code == 480 || code == 481 ||
-           code == kXdataHandle;
-}
+bool isPointer(int code) { return gc::isHandleReference(code); }
 
 bool isLayoutBlock(std::string_view name) {
     return name.size() >= 12 && (sameName(name.substr(0, 12), "*Paper_Space") || sameName(name, "*Model_Space"));
@@ -235,7 +231,7 @@ private:
             if (source == kNoHandle) continue;
             auto mine = object(source);
             if (!mine) return mine.error();
-            if (*mine != kNoHandle || tags[i].code == kXdataHandle || keepPlaces) {
+            if (*mine != kNoHandle || tags[i].code == gc::kXdataHandleRef || keepPlaces) {
                 tags[i].value = formatHandle(*mine);
             } else {
                 tags.erase(i--);  // what it pointed at is not in the target
