@@ -27,6 +27,14 @@ void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placeme
     mapReals(tags, gc::kReal, from, to, [&](double v) { return v * p.size; });
 }
 
+Result<void> placeWcsPointsAndNormal(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
+    Point3 n = normalIn(tags, from, to);
+    for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4})
+        mapPoints(tags, code, from, to, [&](const Point3& q) { return p.map.apply(q); });
+    setNormal(tags, from, to, normalized(p.map.vector(n)));
+    return {};
+}
+
 void addSegments(std::vector<TagList>& out, const TagList& source, const std::vector<PathVertex>& vertices, bool closed,
                  bool planar, const Point3& normal, double thickness) {
     bool modern = source.hasMarkers();

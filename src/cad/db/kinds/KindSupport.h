@@ -82,6 +82,10 @@ void setNormal(TagList& tags, std::size_t from, std::size_t to, const Point3& no
 // the radius (40) mapped; the caller sets the normal once its own values are written.
 void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placement& p, const PlaneMap& plane);
 
+// The placement of an entity whose points (10 to 13) are in WCS: each point is mapped, and its
+// normal turned with the map (LINE, POINT, WIPEOUT).
+Result<void> placeWcsPointsAndNormal(TagList& tags, std::size_t from, std::size_t to, const Placement& p);
+
 // A polyline's vertex as explode breaks it into lines and arcs.
 struct PathVertex {
     Point3 point;  // OCS for 2D polylines, WCS for 3D ones

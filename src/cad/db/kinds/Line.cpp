@@ -3,25 +3,14 @@
 #include "cad/db/kinds/Kinds.h"
 
 namespace veltarn::db::kinds {
-namespace {
 
 using namespace kind_support;
-
-Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
-    Point3 n = normalIn(tags, from, to);
-    for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4})
-        mapPoints(tags, code, from, to, [&](const Point3& q) { return p.map.apply(q); });
-    setNormal(tags, from, to, normalized(p.map.vector(n)));
-    return {};
-}
-
-}  // namespace
 
 const EntityKindOps kLine{
     .kind = EntityKind::Line,
     .geometrySubclass = "AcDbLine",
     .keepsShapeUnderAnyMap = true,
-    .place = place,
+    .place = placeWcsPointsAndNormal,
 };
 
 }  // namespace veltarn::db::kinds
