@@ -1,5 +1,6 @@
 #include "cad/db/Database.h"
 
+#include "cad/db/AttachedDataLayout.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/ObjectIdentity.h"
 #include "cad/db/NewDrawing.h"
@@ -523,11 +524,10 @@ Result<Handle> Database::appendEntityWithData(Handle block, const TagList& entit
 
     thread_local std::string blob;
     blob.clear();
+    auto encode = [](int code, std::string_view value) { TagList::encodeTag(blob, code, value); };
     TagList::encodeTag(blob, gc::kStructure, entity[0].value);
     TagList::encodeTag(blob, gc::kHandle, entityId);
-    TagList::encodeTag(blob, gc::kControlString, kXdictionaryGroup);
-    TagList::encodeTag(blob, gc::kHardOwner, dictionaryId);
-    TagList::encodeTag(blob, gc::kControlString, kGroupEnd);
+    emitXdictionaryPointer(encode, dictionaryId);
     TagList::encodeTag(blob, gc::kSoftPointer, ownerId);
     std::size_t from = entity.size() > 1 && entity[1].code == gc::kSoftPointer ? 2 : 1;
     for (std::size_t i = from; i < entity.size(); ++i) TagList::encodeTag(blob, entity[i].code, entity[i].value);
@@ -538,25 +538,14 @@ Result<Handle> Database::appendEntityWithData(Handle block, const TagList& entit
     entry.members.push_back(createEncoded(slot, entry.anchor, entity.type(), blob));
 
     blob.clear();
-    TagList::encodeTag(blob, gc::kStructure, "DICTIONARY");
-    TagList::encodeTag(blob, gc::kHandle, dictionaryId);
-    TagList::encodeTag(blob, gc::kSoftPointer, entityId);
-    TagList::encodeTag(blob, gc::kSubclass, "AcDbDictionary");
-    TagList::encodeTag(blob, gc::kHardOwnerFlag, "1");
-    TagList::encodeTag(blob, gc::kCloningFlag, "1");
-    TagList::encodeTag(blob, gc::kOtherName, key);
-    TagList::encodeTag(blob, gc::kSoftOwner, recordId);
+    emitDataDictionary(encode, dictionaryId, entityId, key, recordId);
     Slot object;
     object.handle = dictionary;
     object.section = Section::Objects;
     createEncoded(object, objects, "DICTIONARY", blob);
 
     blob.clear();
-    TagList::encodeTag(blob, gc::kStructure, "XRECORD");
-    TagList::encodeTag(blob, gc::kHandle, recordId);
-    TagList::encodeTag(blob, gc::kSoftPointer, dictionaryId);
-    TagList::encodeTag(blob, gc::kSubclass, "AcDbXrecord");
-    TagList::encodeTag(blob, gc::kHardOwnerFlag, "1");
+    emitDataXrecordHead(encode, recordId, dictionaryId);
     values.encode(blob);
     object.handle = record;
     createEncoded(object, objects, "XRECORD", blob);

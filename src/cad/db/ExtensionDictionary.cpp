@@ -1,5 +1,6 @@
 #include "cad/db/ExtensionDictionary.h"
 
+#include "cad/db/AttachedDataLayout.h"
 #include "cad/db/Dictionary.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/db/R12Entity.h"
@@ -102,22 +103,23 @@ Result<Handle> appendEntityWithXrecord(Database& db, Handle block, TagList entit
         if (auto made = appendValues(chain, values); !made) return made.error();
         return db.appendEntityWithData(block, entity, key, chain);
     }
-    TagList xrecord{{0, "XRECORD"}, {gc::kHandle, ""}, {gc::kSoftPointer, ""}, {gc::kSubclass, "AcDbXrecord"}, {gc::kHardOwnerFlag, "1"}};
-    if (auto made = appendValues(xrecord, values); !made) return made.error();
+    TagList chain;
+    if (auto made = appendValues(chain, values); !made) return made.error();
     if (auto left = db.handlesLeft(3); !left) return left.error();
     const Handle handle = db.allocateHandle().value(), dictionary = db.allocateHandle().value(), record = db.allocateHandle().value();
+    const std::string entityId = formatHandle(handle), dictionaryId = formatHandle(dictionary), recordId = formatHandle(record);
+    auto into = [](TagList& tags) { return [&tags](int code, std::string_view value) { tags.add(code, std::string(value)); }; };
+
     std::size_t at = entity.size() > 1 && entity[1].code == gc::kHandle ? 2 : 1;
-    entity.insert(at, gc::kControlString, kXdictionaryGroup);
-    entity.insert(at + 1, gc::kHardOwner, formatHandle(dictionary));
-    entity.insert(at + 2, gc::kControlString, kGroupEnd);
+    emitXdictionaryPointer([&](int code, std::string_view value) { entity.insert(at++, code, std::string(value)); }, dictionaryId);
     auto added = db.appendEntity(block, std::move(entity), handle);
     if (!added) return added;
-    TagList dict{{0, "DICTIONARY"}, {gc::kHandle, formatHandle(dictionary)}, {gc::kSoftPointer, formatHandle(handle)},
-                 {gc::kSubclass, "AcDbDictionary"}, {gc::kHardOwnerFlag, "1"}, {gc::kCloningFlag, "1"},
-                 {gc::kOtherName, std::string(key)}, {gc::kSoftOwner, formatHandle(record)}};
+    TagList dict;
+    emitDataDictionary(into(dict), dictionaryId, entityId, key, recordId);
     if (auto made = db.addObject(std::move(dict), dictionary); !made) return made.error();
-    xrecord[1].value = formatHandle(record);
-    xrecord[2].value = formatHandle(dictionary);
+    TagList xrecord;
+    emitDataXrecordHead(into(xrecord), recordId, dictionaryId);
+    for (const TagValue& value : chain) xrecord.add(value.code, value.value);
     if (auto made = db.addObject(std::move(xrecord), record); !made) return made.error();
     return handle;
 }
