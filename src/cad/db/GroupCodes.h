@@ -9,11 +9,13 @@ namespace veltarn::db::gc {
 using namespace dxf::code;  // kStructure, kName, kHandle, kSubclass, kControlString, pointers
 
 constexpr int kText = 1;             // text contents, xrecord strings
+constexpr int kMoreText = 3;         // MTEXT: text before the last chunk, in pieces of 250
 constexpr int kOtherName = 3;        // dictionary key, description, block name copy
 constexpr int kLinetypeName = 6;
 constexpr int kTextStyleName = 7;
 constexpr int kLayer = 8;
 constexpr int kX = 10;               // first point; Y is +10, Z is +20
+constexpr int kY = kX + 10;
 constexpr int kX2 = 11;              // second point (LINE end, TEXT alignment point, axis vectors)
 constexpr int kX3 = 12;
 constexpr int kX4 = 13;
@@ -64,7 +66,14 @@ constexpr int kPlotStylePointerMax = 399;   // 390-399: more hard pointers
 constexpr int kOwnerSoftPointer = 480;      // 480, 481: pointers of later versions
 constexpr int kOwnerHardPointer = 481;
 
+// Points: X codes 10 to 18 (their Y and Z 20-28, 30-38).
+constexpr int kPointFirst = 10;
+constexpr int kPointLast = 18;
+constexpr int kHandleCode = 105;     // DIMSTYLE's handle; an arbitrary handle in xrecords
+
 // Xdata.
+constexpr int kXdataFirst = 1000;
+constexpr int kXdataLast = 1071;
 constexpr int kXdataApp = 1001;
 constexpr int kXdataHandleRef = 1005;  // a handle in xdata, renumbered with the objects
 

@@ -1,5 +1,6 @@
 #include "cad/db/TagList.h"
 
+#include "cad/db/GroupCodes.h"
 #include "cad/dxf/NumberText.h"
 
 #include <cstring>
@@ -92,7 +93,7 @@ std::pair<std::size_t, std::size_t> TagList::subclass(std::string_view marker) c
     if (own == npos) own = tags_.size();
     if (find(100, 0, own) == npos) {
         std::size_t body = 1;
-        while (body < own && (tags_[body].code == 5 || tags_[body].code == 105)) ++body;
+        while (body < own && (tags_[body].code == gc::kHandle || tags_[body].code == gc::kHandleCode)) ++body;
         return {body, own};
     }
     std::size_t at = find(100, marker, 0, own);

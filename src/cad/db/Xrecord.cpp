@@ -36,9 +36,9 @@ TypedValue TypedValue::ofHandle(int code, Handle handle) { return ofText(code, f
 TypedValue TypedValue::ofBinary(int code, std::string bytes) { return ofText(code, std::move(bytes)); }
 
 TypedValue::Kind TypedValue::kindOf(int code) {
-    if (code >= 10 && code <= 18) return Kind::Point;
+    if (code >= gc::kPointFirst && code <= gc::kPointLast) return Kind::Point;
     if (code >= gc::kPointerMin && code <= gc::kPointerMax) return Kind::Handle;
-    if (code == 105) return Kind::Handle;
+    if (code == gc::kHandleCode) return Kind::Handle;
     switch (dxf::valueKindOf(code)) {
         case dxf::ValueKind::Real: return Kind::Real;
         case dxf::ValueKind::Binary: return Kind::Binary;
@@ -71,7 +71,7 @@ std::size_t valuesStart(const TagList& tags) {
 
 Result<void> appendValues(TagList& tags, const ResultBuffer& values) {
     for (const TypedValue& v : values) {
-        if (v.code < 0 || v.code == 0 || v.code == gc::kSubclass || v.code > 1071 || (v.code >= 1000 && v.code <= 1071))
+        if (v.code < 0 || v.code == 0 || v.code == gc::kSubclass || v.code > gc::kXdataLast || (v.code >= gc::kXdataFirst && v.code <= gc::kXdataLast))
             return dxf::makeError("group code " + std::to_string(v.code) + " cannot be stored in an xrecord");
         switch (v.kind()) {
             case TypedValue::Kind::Point: tags.addPoint(v.code, v.point); break;

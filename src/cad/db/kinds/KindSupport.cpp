@@ -140,7 +140,8 @@ std::optional<Extents> pointExtents(const TagList& tags, bool directionAt11) {
     if (end == TagList::npos) end = tags.size();
     for (std::size_t i = 1; i < end; ++i) {
         const int code = tags[i].code;
-        if (code < 10 || code > 18 || (directionAt11 && code == 11) || tags[i].code >= 1000) continue;
+        if (code < gc::kPointFirst || code > gc::kPointLast || (directionAt11 && code == gc::kX2) || tags[i].code >= gc::kXdataFirst)
+            continue;
         if (auto p = tags.pointAt(i); p && std::isfinite(p->x) && std::isfinite(p->y)) {
             box.add(p->x, p->y);
             any = true;

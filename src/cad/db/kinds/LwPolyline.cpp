@@ -68,9 +68,9 @@ Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placem
         if (tags[i].code != gc::kX) continue;
         Point3 q = plane.point(
             {dxf::parseReal(tags[i].value).value_or(0),
-             i + 1 < to && tags[i + 1].code == 20 ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
+             i + 1 < to && tags[i + 1].code == gc::kY ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
         tags[i].value = real(q.x);
-        if (i + 1 < to && tags[i + 1].code == 20) tags[i + 1].value = real(q.y);
+        if (i + 1 < to && tags[i + 1].code == gc::kY) tags[i + 1].value = real(q.y);
         newElevation = q.z;
     }
     for (int code : {kStartWidth, kEndWidth, kConstantWidth})

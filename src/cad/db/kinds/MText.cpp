@@ -39,7 +39,7 @@ std::optional<Extents> mtextExtents(const TagList& tags) {
     const double height = std::abs(tags.real(gc::kReal).value_or(0));
     std::string text;
     for (std::size_t i = 0; i < tags.size(); ++i)
-        if (tags[i].code == 3 || tags[i].code == gc::kText) text += tags[i].value;
+        if (tags[i].code == gc::kMoreText || tags[i].code == gc::kText) text += tags[i].value;
     std::size_t lines = 1, longest = 0, start = 0;
     for (std::size_t at = text.find("\\P");; at = text.find("\\P", start)) {
         const std::size_t end = at == std::string::npos ? text.size() : at;

@@ -352,7 +352,7 @@ bool setMlineVertices(const Database& db, TagList& tags, const std::vector<Point
     }
     std::size_t first = tags.find(gc::kX2, from, to);
     std::size_t end = first == TagList::npos ? to : first;
-    while (end < to && tags[end].code < 1000)
+    while (end < to && tags[end].code < gc::kXdataFirst)
         ++end;
     if (first == TagList::npos) first = end;
     tags.erase(first, end - first);

@@ -70,7 +70,7 @@ Result<Layout> locate(const TagList& tags) {
     auto [from, to] = tags.subclass(kMarker);
     if (from == npos) return fault(tags, "no AcDbMLeader subclass");
     for (std::size_t i = from; i < to; ++i)
-        if (tags[i].code >= 1000) to = i;  // xdata is no part of the geometry
+        if (tags[i].code >= gc::kXdataFirst) to = i;  // xdata is no part of the geometry
     Layout at;
     at.ownEnd = to;
     at.context = tags.find(kContextOpen, from, to);
