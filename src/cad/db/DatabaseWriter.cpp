@@ -109,7 +109,7 @@ private:
             }
         };
         static const Table table;
-        if (code >= 0 && code < 1072) {
+        if (code >= 0 && code <= gc::kLastCode) {
             out.append(table.text[code], static_cast<std::size_t>(table.text[code][4]));
             return;
         }

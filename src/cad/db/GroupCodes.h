@@ -75,6 +75,23 @@ constexpr int kHandleCode = 105;     // DIMSTYLE's handle; an arbitrary handle i
 constexpr int kXdataFirst = 1000;
 constexpr int kXdataLast = 1071;
 constexpr int kXdataApp = 1001;
+constexpr int kLastCode = 1071;      // the highest group code DXF defines
+
+// HATCH pattern data.
+constexpr int kHatchPatternAngle = 52;   // the pattern's angle; also each definition line's angle
+constexpr int kHatchLineAngle = 53;
+constexpr int kHatchLineOffset = 45;     // a definition line's offset (45, 46)
+constexpr int kHatchPixelSize = 47;
+constexpr int kHatchDashLength = 49;
+constexpr int kHatchGradientAngle = 460; // radians
+
+// ATTRIB and ATTDEF values besides the common ones.
+constexpr int kTag = 2;
+constexpr int kPrompt = 3;
+constexpr int kVerticalJustification = 74;
+constexpr int kFieldLength = 73;
+constexpr int kLockPosition = 280;
+constexpr int kRotation2 = 52;           // a second angle: dimension oblique, hatch pattern
 constexpr int kXdataHandleRef = 1005;  // a handle in xdata, renumbered with the objects
 
 // True for a group code whose value is a handle of another object: what copying and converting

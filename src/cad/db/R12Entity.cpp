@@ -38,10 +38,16 @@ struct Subclass {
 
 bool arcAngles(int code) { return code == gc::kAngle || code == gc::kAngle2; }
 bool textVertical(int code) { return code == gc::kInt73; }
-bool attdefPart(int code) { return code == 2 || code == 3 || code == 70 || code == 73 || code == 74 || code == 280; }
-bool attribPart(int code) { return code == 2 || code == 70 || code == 73 || code == 74 || code == 280; }
+bool attdefPart(int code) {
+    return code == gc::kTag || code == gc::kPrompt || code == gc::kFlags || code == gc::kFieldLength ||
+           code == gc::kVerticalJustification || code == gc::kLockPosition;
+}
+bool attribPart(int code) {
+    return code == gc::kTag || code == gc::kFlags || code == gc::kFieldLength || code == gc::kVerticalJustification ||
+           code == gc::kLockPosition;
+}
 bool definitionPoints(int code) { return ofPoint(code, 13) || ofPoint(code, 14); }
-bool rotation(int code) { return code == 50 || code == 52; }
+bool rotation(int code) { return code == gc::kAngle || code == gc::kRotation2; }
 bool alignedPart(int code) { return definitionPoints(code) || rotation(code); }
 bool angularPoints(int code) { return definitionPoints(code) || ofPoint(code, 15) || ofPoint(code, 16); }
 bool radialPart(int code) { return ofPoint(code, 15) || code == gc::kReal; }

@@ -94,11 +94,11 @@ Result<void> place(TagList& tags, std::size_t, std::size_t, const Placement& p) 
         int code = tags[i].code;
         double v = dxf::parseReal(tags[i].value).value_or(0);
         bool pairNext = i + 1 < to && tags[i + 1].code == code + 1;
-        if (code == 52 || code == 53) {  // pattern angle, a definition line's angle
+        if (code == gc::kHatchPatternAngle || code == gc::kHatchLineAngle) {  // pattern angle, a definition line's angle
             tags[i].value = real(std::fmod(plane.angle(v) + 720, 360));
-        } else if (code == gc::kReal2 || code == 47 || code == 49) {  // scale, pixel size, dashes
+        } else if (code == gc::kReal2 || code == gc::kHatchPixelSize || code == gc::kHatchDashLength) {  // scale, pixel size, dashes
             tags[i].value = real(v * p.size);
-        } else if ((code == gc::kReal4 || code == 45) && pairNext) {  // base point, line offset
+        } else if ((code == gc::kReal4 || code == gc::kHatchLineOffset) && pairNext) {  // base point, line offset
             double y = dxf::parseReal(tags[i + 1].value).value_or(0);
             Point3 q = code == gc::kReal4 ? plane.point({v, y, elevation}) : plane.vector({v, y, 0});
             tags[i].value = real(q.x);
@@ -107,7 +107,7 @@ Result<void> place(TagList& tags, std::size_t, std::size_t, const Placement& p) 
             Point3 q = plane.point({v, i + 1 < to ? dxf::parseReal(tags[i + 1].value).value_or(0) : 0, elevation});
             tags[i].value = real(q.x);
             if (i + 1 < to && tags[i + 1].code == gc::kX + 10) tags[++i].value = real(q.y);
-        } else if (code == 460) {  // gradient angle, in radians
+        } else if (code == gc::kHatchGradientAngle) {  // gradient angle, in radians
             tags[i].value = real(plane.angle(v * kDegrees) / kDegrees);
         }
     }

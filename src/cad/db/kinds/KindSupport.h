@@ -25,7 +25,7 @@ inline std::int64_t intAt(const TagList& tags, std::size_t i) { return dxf::pars
 // The end of a subclass's geometry: before its extrusion and any xdata.
 inline std::size_t dataEnd(const TagList& tags, std::size_t from, std::size_t to) {
     for (std::size_t i = from; i < to; ++i)
-        if (tags[i].code == gc::kNormalX || tags[i].code >= 1000) return i;
+        if (tags[i].code == gc::kNormalX || tags[i].code >= gc::kXdataFirst) return i;
     return to;
 }
 
