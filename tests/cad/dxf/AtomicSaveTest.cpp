@@ -15,11 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::set<std::string> namesIn(const fs::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename().string());
-    return names;
-}
+using test::namesIn;
 
 Result<void> save(const fs::path& target, const std::string& text, const char* failure = nullptr) {
     return saveAtomically(target, [&](OutputSink& sink) -> Result<void> {

@@ -2,6 +2,8 @@
 // tests use.
 #pragma once
 
+#include <filesystem>
+#include <set>
 #include <string>
 
 #include "ExternalTools.h"
@@ -24,6 +26,13 @@ inline ProgramRun runCommand(const std::string& command) {
     ProgramRun run;
     run.exitCode = testtools::runCommand(command, &run.output);
     return run;
+}
+
+// The names of the entries of `folder`, sorted: what a save left beside its target.
+inline std::set<std::string> namesIn(const std::filesystem::path& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.insert(entry.path().filename().string());
+    return names;
 }
 
 }  // namespace veltarn::dxf::test
