@@ -21,14 +21,14 @@ Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placem
 }
 
 std::optional<Extents> extents(const TagList& tags) {
-    auto [from, to] = tags.subclass("AcDbCircle");
-    auto center = tags.point(gc::kX, from == TagList::npos ? 0 : from, to);
-    const double radius = std::abs(tags.real(gc::kReal, from == TagList::npos ? 0 : from, to).value_or(0));
-    if (!center) return std::nullopt;
+    auto circle = circleOf(tags);
+    if (!circle) return std::nullopt;
+    const Point3& center = circle->center;
+    const double radius = circle->radius;
     auto [arcFrom, arcTo] = tags.subclass("AcDbArc");
     const std::size_t begin = arcFrom == TagList::npos ? 0 : arcFrom;
     Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
-    addArc(box, *center, radius, tags.real(gc::kAngle, begin, arcTo).value_or(0),
+    addArc(box, center, radius, tags.real(gc::kAngle, begin, arcTo).value_or(0),
            tags.real(gc::kAngle2, begin, arcTo).value_or(360));
     return box;
 }

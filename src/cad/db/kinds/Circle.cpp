@@ -15,14 +15,14 @@ Result<void> place(TagList& tags, std::size_t from, std::size_t to, const Placem
 }
 
 std::optional<Extents> extents(const TagList& tags) {
-    auto [from, to] = tags.subclass("AcDbCircle");
-    auto center = tags.point(gc::kX, from == TagList::npos ? 0 : from, to);
-    const double radius = std::abs(tags.real(gc::kReal, from == TagList::npos ? 0 : from, to).value_or(0));
-    if (!center) return std::nullopt;
+    auto circle = circleOf(tags);
+    if (!circle) return std::nullopt;
+    const Point3& center = circle->center;
+    const double radius = circle->radius;
     Extents box{INFINITY, INFINITY, -INFINITY, -INFINITY};
     bool any = false;
     for (double sign : {-1.0, 1.0}) {
-        const double x = center->x + sign * radius, y = center->y + sign * radius;
+        const double x = center.x + sign * radius, y = center.y + sign * radius;
         if (!std::isfinite(x) || !std::isfinite(y)) continue;
         box.add(x, y);
         any = true;

@@ -27,6 +27,14 @@ void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placeme
     mapReals(tags, gc::kReal, from, to, [&](double v) { return v * p.size; });
 }
 
+std::optional<CircleShape> circleOf(const TagList& tags) {
+    auto [from, to] = tags.subclass("AcDbCircle");
+    const std::size_t begin = from == TagList::npos ? 0 : from;
+    auto center = tags.point(gc::kX, begin, to);
+    if (!center) return std::nullopt;
+    return CircleShape{*center, std::abs(tags.real(gc::kReal, begin, to).value_or(0))};
+}
+
 Result<void> placeWcsPointsAndNormal(TagList& tags, std::size_t from, std::size_t to, const Placement& p) {
     Point3 n = normalIn(tags, from, to);
     for (int code : {gc::kX, gc::kX2, gc::kX3, gc::kX4})

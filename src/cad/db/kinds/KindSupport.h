@@ -82,6 +82,13 @@ void setNormal(TagList& tags, std::size_t from, std::size_t to, const Point3& no
 // the radius (40) mapped; the caller sets the normal once its own values are written.
 void placeInPlane(TagList& tags, std::size_t from, std::size_t to, const Placement& p, const PlaneMap& plane);
 
+// The centre (in its OCS) and radius of a CIRCLE or ARC, from AcDbCircle; nullopt without a centre.
+struct CircleShape {
+    Point3 center;
+    double radius = 0;
+};
+std::optional<CircleShape> circleOf(const TagList& tags);
+
 // The placement of an entity whose points (10 to 13) are in WCS: each point is mapped, and its
 // normal turned with the map (LINE, POINT, WIPEOUT).
 Result<void> placeWcsPointsAndNormal(TagList& tags, std::size_t from, std::size_t to, const Placement& p);
