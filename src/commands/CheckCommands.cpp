@@ -40,8 +40,7 @@ void typeCommand(CommandContext& context) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return;
     }
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
 
     std::set<std::wstring_view> names;
     host::Database& db = *host.workingDatabase();

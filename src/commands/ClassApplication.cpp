@@ -180,6 +180,7 @@ bool ClassApplication::attachData(host::ObjectId entity, const ClassDef& def) {
             written = false;
             continue;
         }
+        if (defined == kOdOk) ++tablesDefined_;
         try {
             if (ObjectData::append(*db, entity, record, types) != kOdOk) written = false;
         } catch (int) {

@@ -40,6 +40,10 @@ public:
     // default, else an empty text or zero. False when a record could not be written.
     bool attachData(host::ObjectId entity, const ClassDef& def);
 
+    // How many table definitions this run added to the drawing: readers of records refresh their
+    // tables when it grows.
+    int tablesDefined() const { return tablesDefined_; }
+
     // Whether the class's resources are in the drawing, loading the missing ones (once per class).
     bool loadResources(const ClassDef& def);
 
@@ -51,6 +55,7 @@ private:
     Classifier& classifier_;
     std::unordered_map<const ClassDef*, bool> resourcesLoaded_;
     std::set<std::pair<std::wstring, std::wstring>> reported_;
+    int tablesDefined_ = 0;
 };
 
 }  // namespace veltarn

@@ -25,6 +25,8 @@ public:
 
     // Every record of `entity`; valid until the next call.
     const std::vector<ObjectDataRecord>& records(host::ObjectId entity) { return records_.read(entity); }
+    // After a command defined new tables in the drawing.
+    void refreshTables() { records_.refreshTables(); }
 
     // The property test of `entity` (opened here) against `def`; false when it cannot be opened.
     bool propertiesHold(host::ObjectId entity, const ClassDef& def) {

@@ -79,8 +79,7 @@ void classifyCommand(CommandContext& context) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return;
     }
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
 
     host::Database& db = *host.workingDatabase();
     ClassTests tests(db, *state.classifier);
@@ -107,9 +106,11 @@ void classifyCommand(CommandContext& context) {
         for (const ClassDef* other : toRemove) removeClassData(tests, id, *other);
         const std::wstring blockBefore = shown.assignGraphicalProperties ? referencedBlock(db, id) : std::wstring();
         const bool carries = shown.attachObjectData && tests.objectData().holds(tests.records(id), *def, ValueCheck::kOff);
-        if (!application.applyClass(def->name, id, shown.assignGraphicalProperties, shown.attachObjectData && !carries,
-                                    ApplyMode::kAll))
-            continue;
+        const int defined = application.tablesDefined();
+        const bool applied = application.applyClass(def->name, id, shown.assignGraphicalProperties,
+                                                    shown.attachObjectData && !carries, ApplyMode::kAll);
+        if (application.tablesDefined() != defined) tests.refreshTables();
+        if (!applied) continue;
         ++done;
         noteBlockChange(blockBefore, *def, blocksToSynchronise);
     }
@@ -131,8 +132,7 @@ void classifyAutoCommand(CommandContext& context) {
     if (!askMode(host.editor(), StringId::kPromptUndrawable, state.options.autoUndrawable)) return;
     if (list.empty() && !PromptSelection(host, list)) return;
     if (list.empty()) list = CollectModelSpace(host);
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
     if (list.empty()) return;
 
     host::Database& db = *host.workingDatabase();
@@ -179,7 +179,9 @@ void classifyAutoCommand(CommandContext& context) {
             const ClassDef* chosen = index.firstMatch(*entity);
             entity.reset();
             if (!chosen || tests.objectData().holds(tests.records(id), *chosen, ValueCheck::kOff)) continue;
+            const int defined = application.tablesDefined();
             if (application.applyClass(chosen->name, id, false, true, ApplyMode::kAll)) ++done;
+            if (application.tablesDefined() != defined) tests.refreshTables();
         }
     }
     sendFollowUpCommands(host, blocksToSynchronise, false);

@@ -1,15 +1,17 @@
 #include "commands/EntityRecords.h"
 
-#include "data/ObjectDataTables.h"
-
 namespace veltarn {
 
-EntityRecords::EntityRecords(host::Database& db)
-    : drawingHasData_(!findObjectDataDictionary(db).isNull()), cursor_(db) {}
+EntityRecords::EntityRecords(host::Database& db) : db_(db), cursor_(db) {
+    cursor_.useDirectory(&tables_);
+    refreshTables();
+}
+
+void EntityRecords::refreshTables() { tables_.read(db_); }
 
 const std::vector<ObjectDataRecord>& EntityRecords::read(host::ObjectId entity) {
     records_.clear();
-    if (!drawingHasData_ || cursor_.open(entity) != kOdOk) return records_;
+    if (tables_.empty() || cursor_.open(entity) != kOdOk) return records_;
     ObjectDataRecord record;
     do {
         for (; !cursor_.atEnd(); cursor_.next()) {

@@ -18,10 +18,14 @@ public:
     // has none or they cannot be read. Valid until the next call.
     const std::vector<ObjectDataRecord>& read(host::ObjectId entity);
 
+    // Reads the drawing's tables again: to be called after a command defined new ones.
+    void refreshTables();
+
 private:
-    // A drawing without "ODEMUDATA" holds no records; the cursor would create the dictionary, and
-    // reading must never change the drawing.
-    bool drawingHasData_;
+    host::Database& db_;
+    // Without tables the drawing holds no records (and the cursor would create "ODEMUDATA", while
+    // reading must never change the drawing).
+    TableDirectory tables_;
     ObjectData cursor_;
     std::vector<ObjectDataRecord> records_;
 };

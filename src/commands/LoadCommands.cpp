@@ -84,8 +84,7 @@ void removeCommand(CommandContext& context) {
     // No fallback to model space here: stripping data off every object by accident is too easy.
     if (list.empty() && !PromptSelection(host, list)) return;
     if (!list.empty()) {
-        FilterUsableLayers(host, list);
-        FilterOpenable(host, list);
+        FilterUsable(host, list);
     }
     if (list.empty()) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
@@ -114,8 +113,7 @@ void removeAllCommand(CommandContext& context) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return;
     }
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
     // Nothing left after the filters ends the command without a word, on purpose.
     if (list.empty()) return;
 

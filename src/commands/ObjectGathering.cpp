@@ -53,7 +53,9 @@ CandidateList CollectModelSpace(host::Host& host) {
     return db->blockEntities(db->modelSpace());
 }
 
-void FilterUsableLayers(host::Host& host, CandidateList& list) {
+void FilterUsableLayers(host::Host& host, CandidateList& list) { FilterUsable(host, list, [](const host::DbEntity&) { return true; }); }
+
+void FilterUsable(host::Host& host, CandidateList& list, const EntityAcceptance& accept) {
     host::Database* db = host.workingDatabase();
     if (!db) {
         list.clear();
@@ -62,7 +64,7 @@ void FilterUsableLayers(host::Host& host, CandidateList& list) {
     UsableLayers layers(*db);
     for (std::size_t i = 0; i < list.size();) {
         std::unique_ptr<host::DbEntity> entity = db->openEntity(list[i], host::OpenMode::kRead);
-        if (!entity || !layers.usable(entity->layer())) {
+        if (!entity || !layers.usable(entity->layer()) || (accept && !accept(*entity))) {
             removeCandidate(list, i);
             continue;
         }

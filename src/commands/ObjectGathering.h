@@ -34,6 +34,10 @@ void FilterUsableLayers(host::Host& host, CandidateList& list);
 using EntityAcceptance = std::function<bool(const host::DbEntity&)>;
 void FilterOpenable(host::Host& host, CandidateList& list, const EntityAcceptance& accept = {});
 
+// FilterUsableLayers and FilterOpenable in one pass over the list, each entity opened once: what
+// the commands run, as the two filters in a row would open every entity twice.
+void FilterUsable(host::Host& host, CandidateList& list, const EntityAcceptance& accept = {});
+
 // Makes `list` the pick-first set; an empty list leaves nothing selected.
 void SetPickFirst(host::Host& host, const CandidateList& list);
 

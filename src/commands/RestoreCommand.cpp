@@ -52,8 +52,7 @@ void restoreCommand(CommandContext& context) {
         }
         if (list.empty() && !PromptSelection(host, list)) return;
         if (!list.empty()) {
-            FilterUsableLayers(host, list);
-            FilterOpenable(host, list);
+            FilterUsable(host, list);
         }
         if (list.empty()) {
             host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
@@ -73,8 +72,7 @@ void restoreCommand(CommandContext& context) {
 
     if (list.empty() && !PromptSelection(host, list)) return;
     if (list.empty()) list = CollectModelSpace(host);
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
     if (list.empty()) {
         printRatio(host, 0, 0);
         return;

@@ -14,8 +14,7 @@ std::optional<CandidateList> gatherForSelection(host::Host& host, WhenNothingPic
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return std::nullopt;
     }
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
     if (list.empty()) {
         // The pick-first set is left as it was: nothing was tested.
         host.editor().print(host::format(loadString(StringId::kSelectedCount), 0));

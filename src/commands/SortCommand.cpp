@@ -31,8 +31,7 @@ void sortCommand(CommandContext& context) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return;
     }
-    FilterUsableLayers(host, list);
-    FilterOpenable(host, list);
+    FilterUsable(host, list);
     if (list.empty()) return;
     raiseSortents(host.systemVariables());
 

@@ -1,6 +1,7 @@
 #include "data/ObjectData.h"
 
 #include "data/RecordValues.h"
+#include "host/LowerCase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -82,19 +83,23 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     if (!extensionDictionary_) return kOdNoData;
     auto dictionary = db_.openDictionary(extensionDictionary_, OpenMode::kRead);
     if (!dictionary) return kOdNoData;
-    auto tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_);
-    if (!tables) return kOdNoData;
+    std::unique_ptr<host::DbDictionary> tables;
+    if (!directory_) {
+        tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_);
+        if (!tables) return kOdNoData;
+    }
+    auto findTable = [&](const std::wstring& key) { return directory_ ? directory_->find(key) : tables->find(key); };
 
     entries_ = dictionary->entries();
     host::ObjectId definition;
-    while (standsOnEntry() && !(definition = tables->find(currentKey()))) ++position_;
+    while (standsOnEntry() && !(definition = findTable(currentKey()))) ++position_;
     if (!standsOnEntry()) {
         entries_.clear();
         return kOdNoData;
     }
     if (filter_ && currentKey() != *filter_) {
         while (standsOnEntry() && currentKey() != *filter_) ++position_;
-        if (standsOnEntry()) definition = tables->find(currentKey());
+        if (standsOnEntry()) definition = findTable(currentKey());
         else end_ = true;
     }
     if (standsOnEntry()) {
@@ -104,14 +109,26 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     return kOdOk;
 }
 
+void TableDirectory::read(host::Database& db) {
+    tables_.clear();
+    auto dictionary = db.openDictionary(findObjectDataDictionary(db), OpenMode::kRead);
+    if (!dictionary) return;
+    for (const auto& [name, id] : dictionary->entries()) tables_.emplace(host::toLower(name), id);
+}
+
+host::ObjectId TableDirectory::find(const std::wstring& name) const {
+    auto found = tables_.find(host::toLower(name));
+    return found == tables_.end() ? host::ObjectId{} : found->second;
+}
+
 bool ObjectData::nextTable() {
     // Most entities carry one table: no need to open "ODEMUDATA" to learn that none follows.
     if (filter_ || position_ + 1 >= entries_.size()) return false;
-    auto tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_);
-    if (!tables) return false;
+    std::unique_ptr<host::DbDictionary> tables;
+    if (!directory_ && !(tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_))) return false;
     host::ObjectId definition;
     for (++position_; standsOnEntry(); ++position_)
-        if ((definition = tables->find(currentKey()))) break;
+        if ((definition = directory_ ? directory_->find(currentKey()) : tables->find(currentKey()))) break;
     if (!standsOnEntry()) return false;
     records_ = entries_[position_].second;
     definition_ = definition;

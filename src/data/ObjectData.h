@@ -23,15 +23,34 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace veltarn {
+
+// The tables of "ODEMUDATA" by name (without regard to case, as the drawing's dictionaries
+// compare keys), read once: a cursor that opens a million objects in a row would otherwise read
+// the dictionary twice for each of them. Whoever holds one reads it again after adding tables;
+// tables are never removed, so a directory is only ever short of new ones.
+class TableDirectory {
+public:
+    // The tables of `db`, none when it has no "ODEMUDATA" (which is not created here).
+    void read(host::Database& db);
+    host::ObjectId find(const std::wstring& name) const;
+    bool empty() const { return tables_.empty(); }
+
+private:
+    std::unordered_map<std::wstring, host::ObjectId> tables_;  // lower-case names
+};
 
 class ObjectData {
 public:
     // `documents` is used only to lock the document when "ODEMUDATA" has to be created.
     explicit ObjectData(host::Database& db, host::Documents* documents = nullptr)
         : db_(db), documents_(documents) {}
+
+    // Looks tables up in `directory` (kept alive by the caller) instead of "ODEMUDATA" itself.
+    void useDirectory(const TableDirectory* directory) { directory_ = directory; }
 
     // Positions the cursor on the first record of the entity's first table, in the extension
     // dictionary's own order. With `filter`, the cursor then moves on to the entry whose key is
@@ -90,6 +109,7 @@ private:
 
     host::Database& db_;
     host::Documents* documents_;
+    const TableDirectory* directory_ = nullptr;
     host::ObjectId entity_;
     host::ObjectId extensionDictionary_;
     std::vector<host::DbDictionary::Entry> entries_;  // the iteration over the dictionary

@@ -59,6 +59,29 @@ CommonProperties commonProperties(const TagList& tags) {
     return props;
 }
 
+std::optional<std::string> entityLayer(const Database& db, Handle entity) {
+    TagCursor cursor;
+    if (db.read(entity, cursor) != OpenStatus::Ok || !cursor.next()) return std::nullopt;
+    bool markers = false;
+    bool inEntity = false;
+    std::optional<std::string> ownLayer;  // the first of the object's own tags, for objects without markers
+    while (cursor.next()) {
+        const int code = cursor.code();
+        if (code == gc::kStructure) break;
+        if (code == gc::kSubclass) {
+            if (inEntity) break;
+            markers = true;
+            inEntity = dxf::trimSpaces(cursor.value()) == kEntity;
+            continue;
+        }
+        if (code != gc::kLayer) continue;
+        if (inEntity) return std::string(dxf::trimSpaces(cursor.value()));
+        if (!markers && !ownLayer) ownLayer = std::string(dxf::trimSpaces(cursor.value()));
+    }
+    if (markers) return std::nullopt;
+    return ownLayer;
+}
+
 void setLayer(TagList& tags, std::string_view layer) { tags.setIn(kEntity, gc::kLayer, std::string(layer)); }
 
 void setColor(TagList& tags, const Color& color) {

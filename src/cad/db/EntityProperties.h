@@ -22,6 +22,11 @@ struct CommonProperties {
 };
 
 CommonProperties commonProperties(const TagList& tags);
+
+// The layer commonProperties() gives, read tag by tag without decoding the object: the layer
+// filter of the module's commands asks it of every object of a drawing. nullopt where the object
+// is laid out unusually (no layer where one is expected); commonProperties() then decides.
+std::optional<std::string> entityLayer(const Database& db, Handle entity);
 void setLayer(TagList& tags, std::string_view layer);
 void setColor(TagList& tags, const Color& color);
 void setLinetype(TagList& tags, std::string_view linetype);

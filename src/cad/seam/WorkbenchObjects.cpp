@@ -130,6 +130,9 @@ public:
     std::wstring dxfName() const override { return wide(db().typeName(handle_)); }
 
     std::optional<host::PropertyValue> property(host::EntityProperty property) const override {
+        // Every module command filters its objects by layer: that one is read without decoding.
+        if (property == host::EntityProperty::kLayer)
+            if (auto layer = db::entityLayer(db(), handle_)) return host::PropertyValue(wide(*layer));
         return readProperty(db(), db().tags(handle_), property);
     }
 
