@@ -10,6 +10,7 @@
 #include "commands/RestoreCommand.h"
 #include "commands/SelectionCommands.h"
 #include "commands/SortCommand.h"
+#include "commands/TemplateCommand.h"
 #include "host/CommandFlags.h"
 #include "module/CommandContext.h"
 
@@ -55,7 +56,7 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_SEL_DUPLICATES", false},
     {L"VELTARN_DEL_DUPLICATES", false},
     {L"VELTARN_ROUND", true},
-    {L"VELTARN_TEMPLATE", false},
+    {L"VELTARN_TEMPLATE", false, &templateCommand},
     {L"VELTARN_TYPE", false, &typeCommand},
     {L"VELTARN_STAT", true},
     {L"VELTARN_ABOUT", false},

@@ -2,6 +2,8 @@
 // as the module is loaded, not per drawing and not saved. Each command has its own copies.
 #pragma once
 
+#include <string>
+
 #include "module/ModuleDialogs.h"
 
 namespace veltarn {
@@ -22,6 +24,7 @@ struct CommandOptions {
     ClassificationParameters classification;  // VELTARN_CLASSIFY's dialog
     int autoMode = 0;                     // VELTARN_CLASSIFY_AUTO: 0 properties, 1 classes
     int autoUndrawable = 0;               // VELTARN_CLASSIFY_AUTO: also classes not flagged
+    std::wstring templateFormat = L"%t_%i_%L";  // VELTARN_TEMPLATE: how objects are named
 };
 
 }  // namespace veltarn
