@@ -4,6 +4,9 @@
 #include <array>
 #include <string_view>
 
+#include "commands/CheckCommands.h"
+#include "commands/LoadCommands.h"
+#include "commands/SelectionCommands.h"
 #include "host/CommandFlags.h"
 #include "module/CommandContext.h"
 
@@ -33,24 +36,24 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_DRAW", true},
     {L"VELTARN_GUI", false},
     {L"VELTARN_PROPERTIES", false},
-    {L"VELTARN_LOAD", false},
+    {L"VELTARN_LOAD", false, &loadCommand},
     {L"VELTARN_RESTORE", true},
-    {L"VELTARN_RELOAD", false},
-    {L"VELTARN_REMOVE", true},
-    {L"VELTARN_REMOVE_ALL", true},
-    {L"VELTARN_SEL", true},
-    {L"VELTARN_SEL_CLASS", true},
-    {L"VELTARN_SEL_EXT", true},
-    {L"VELTARN_SEL_ALL", true},
-    {L"VELTARN_SEL_NULL", true},
-    {L"VELTARN_ASSERT", true},
+    {L"VELTARN_RELOAD", false, &reloadCommand},
+    {L"VELTARN_REMOVE", true, &removeCommand},
+    {L"VELTARN_REMOVE_ALL", true, &removeAllCommand},
+    {L"VELTARN_SEL", true, &selectCommand},
+    {L"VELTARN_SEL_CLASS", true, &selectClassCommand},
+    {L"VELTARN_SEL_EXT", true, &selectExtendedCommand},
+    {L"VELTARN_SEL_ALL", true, &selectAllCommand},
+    {L"VELTARN_SEL_NULL", true, &selectNullCommand},
+    {L"VELTARN_ASSERT", true, &assertCommand},
     {L"VELTARN_SORT", true},
-    {L"VELTARN_SEL_CLASSIFIED", true},
+    {L"VELTARN_SEL_CLASSIFIED", true, &selectClassifiedCommand},
     {L"VELTARN_SEL_DUPLICATES", false},
     {L"VELTARN_DEL_DUPLICATES", false},
     {L"VELTARN_ROUND", true},
     {L"VELTARN_TEMPLATE", false},
-    {L"VELTARN_TYPE", false},
+    {L"VELTARN_TYPE", false, &typeCommand},
     {L"VELTARN_STAT", true},
     {L"VELTARN_ABOUT", false},
     {L"VELTARN_IMPL_INSRT", true},

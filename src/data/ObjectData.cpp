@@ -104,6 +104,25 @@ int ObjectData::open(host::ObjectId entity, std::optional<std::wstring> filter) 
     return kOdOk;
 }
 
+bool ObjectData::nextTable() {
+    // Most entities carry one table: no need to open "ODEMUDATA" to learn that none follows.
+    if (filter_ || position_ + 1 >= entries_.size()) return false;
+    auto tables = openObjectDataDictionary(db_, OpenMode::kRead, documents_);
+    if (!tables) return false;
+    host::ObjectId definition;
+    for (++position_; standsOnEntry(); ++position_)
+        if ((definition = tables->find(currentKey()))) break;
+    if (!standsOnEntry()) return false;
+    records_ = entries_[position_].second;
+    definition_ = definition;
+    chain_.clear();
+    chainRead_ = false;
+    offset_ = 0;
+    fieldCount_ = 0;
+    end_ = false;
+    return true;
+}
+
 const std::vector<std::wstring>* ObjectData::fieldNames(host::ObjectId id) {
     for (auto it = definitions_.rbegin(); it != definitions_.rend(); ++it)
         if (it->id == id) return &it->names;

@@ -5,12 +5,13 @@
 // (i+1)*n-1. Only entries whose key names a table of "ODEMUDATA" are records; other applications'
 // entries are passed over and never touched.
 //
-// Reading every record of an entity:
+// Reading every record of an entity's first table:
 //     ObjectData cursor(db);
 //     for (int rc = cursor.open(entity); rc == 0 && !cursor.atEnd(); cursor.next()) {
 //         if (cursor.read(record) != 0) break;
 //         ...
 //     }
+// and of its other tables, when the walk is at its end, after each nextTable() that holds.
 #pragma once
 
 #include "data/ObjectDataRecord.h"
@@ -61,6 +62,10 @@ public:
 
     // Moves to the next record of the same table.
     void next() { offset_ += fieldCount_; }
+    // Moves to the first record of the entity's next entry that names a table, passing over other
+    // applications' entries: a walk over every record of every table goes on here when atEnd().
+    // False when there is no further table (nor with a filter, which names one table).
+    bool nextTable();
     bool atEnd() const { return end_; }
 
     // Appends `record` to the entity's records of `record.table`, creating the extension dictionary

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "module/CommandOptions.h"
 #include "module/ModuleDialogs.h"
 #include "module/PaletteSet.h"
 #include "classifier/Classifier.h"
@@ -22,11 +23,13 @@ struct ModuleState {
     std::function<void()> freeResourceLibrary;
     // Created by VELTARN_GUI and VELTARN_PROPERTIES on first use; ended at unload.
     std::unique_ptr<ClassificationPaletteSet> paletteSet;
-    std::unique_ptr<PaletteSet> propertiesPaletteSet;
+    std::unique_ptr<PropertiesPaletteSet> propertiesPaletteSet;
     // The module's own dialogs as windows, set by a front end that has them; null on the command
     // line, where they are asked as prompts (made on first use).
     std::unique_ptr<ModuleDialogs> windowDialogs;
     std::unique_ptr<ModuleDialogs> promptDialogs;
+    // What the commands remember of their last answers.
+    CommandOptions options;
 };
 
 // The one state of this process. Commands reach it here; tests build their own ModuleState.

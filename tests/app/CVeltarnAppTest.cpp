@@ -21,8 +21,14 @@ class FilePaletteSet : public ClassificationPaletteSet {
 public:
     FilePaletteSet(std::vector<std::wstring>& log, bool recentPage, bool favoritesPage)
         : log_(log), recentPage_(recentPage), favoritesPage_(favoritesPage) {}
+    bool hasClassificationPage() const override { return true; }
     bool hasRecentPage() const override { return recentPage_; }
     bool hasFavoritesPage() const override { return favoritesPage_; }
+    void setClassifier(const Classifier*) override { log_.push_back(L"classification page: new classifier"); }
+    void loadRecent(const std::wstring&) override { log_.push_back(L"load recent"); }
+    void loadFavorites(const std::wstring&) override { log_.push_back(L"load favorites"); }
+    void refreshRecent() override { log_.push_back(L"refresh recent"); }
+    void refreshFavorites() override { log_.push_back(L"refresh favorites"); }
     void saveRecent(const std::wstring& path) override { write(path, L"recent"); }
     void saveFavorites(const std::wstring& path) override { write(path, L"favorites"); }
     void destroyWindow() override { log_.push_back(L"destroy palette set"); }
@@ -36,9 +42,10 @@ private:
     bool recentPage_, favoritesPage_;
 };
 
-class PropertiesPaletteSet : public PaletteSet {
+class LoggingPropertiesSet : public PropertiesPaletteSet {
 public:
-    explicit PropertiesPaletteSet(std::vector<std::wstring>& log) : log_(log) {}
+    explicit LoggingPropertiesSet(std::vector<std::wstring>& log) : log_(log) {}
+    void setClassifier(const Classifier*) override { log_.push_back(L"properties: new classifier"); }
     void destroyWindow() override { log_.push_back(L"destroy properties set"); }
 
 private:
@@ -149,7 +156,7 @@ TEST_F(CVeltarnAppTest, unloadTearsDownInOrderAndSavesListsBesideTheClassifier) 
     app_.On_kInitAppMsg();
     loadClassifier();
     state_.paletteSet = std::make_unique<FilePaletteSet>(log_, true, true);
-    state_.propertiesPaletteSet = std::make_unique<PropertiesPaletteSet>(log_);
+    state_.propertiesPaletteSet = std::make_unique<LoggingPropertiesSet>(log_);
     state_.freeResourceLibrary = [&] { log_.push_back(L"free resource library"); };
 
     EXPECT_EQ(app_.On_kUnloadAppMsg(), AppResult::kRetOK);

@@ -1,0 +1,48 @@
+// What a command needs to test many objects against the loaded classifier, made once per run:
+// the drawing, the lookups, the object-data test and the reader of each object's records.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+#include "commands/ClassIndex.h"
+#include "commands/EntityRecords.h"
+#include "commands/ObjectDataTest.h"
+#include "commands/PropertyTest.h"
+#include "host/Database.h"
+
+namespace veltarn {
+
+class ClassTests {
+public:
+    ClassTests(host::Database& db, const Classifier& classifier)
+        : db_(db), index_(classifier), objectData_(index_), records_(db) {}
+
+    host::Database& db() { return db_; }
+    const ClassIndex& index() const { return index_; }
+    ObjectDataTest& objectData() { return objectData_; }
+
+    // Every record of `entity`; valid until the next call.
+    const std::vector<ObjectDataRecord>& records(host::ObjectId entity) { return records_.read(entity); }
+
+    // The property test of `entity` (opened here) against `def`; false when it cannot be opened.
+    bool propertiesHold(host::ObjectId entity, const ClassDef& def) {
+        std::unique_ptr<host::DbEntity> open = db_.openEntity(entity, host::OpenMode::kRead);
+        return open && propertyTestHolds(*open, def);
+    }
+
+    // Whether the class's tables agree with the drawing's definitions of the same names (a table
+    // the drawing does not define agrees): the declared requirements a record's class must meet
+    // before the record counts as that class's. Asked once per class and run.
+    bool meetsDrawingRequirements(const ClassDef& def);
+
+private:
+    host::Database& db_;
+    ClassIndex index_;
+    ObjectDataTest objectData_;
+    EntityRecords records_;
+    std::unordered_map<const ClassDef*, bool> requirements_;
+};
+
+}  // namespace veltarn

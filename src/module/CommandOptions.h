@@ -1,0 +1,22 @@
+// The answers the module's commands remember from one run to the next: module-wide, for as long
+// as the module is loaded, not per drawing and not saved. Each command has its own copies.
+#pragma once
+
+namespace veltarn {
+
+struct SelectionOptions {
+    int useProperties = 1;
+    int useObjects = 1;
+    int match = 1;
+};
+
+struct CommandOptions {
+    SelectionOptions selectExtended;      // VELTARN_SEL_EXT
+    SelectionOptions selectAll;           // VELTARN_SEL_ALL
+    int selectClassifiedMatch = 1;        // VELTARN_SEL_CLASSIFIED
+    int selectNullCheckNonRequired = 0;   // VELTARN_SEL_NULL
+    int assertCheckNonRequired = 0;       // VELTARN_ASSERT
+    int restoreMode = 0;                  // VELTARN_RESTORE: 0 all, 1 default
+};
+
+}  // namespace veltarn
