@@ -7,10 +7,12 @@ An independent reading, with ezdxf, of what VELTARN_ASSERT 1 checks: every field
 The tables are the xrecords of "ODEMUDATA" in the named objects dictionary (a field name under
 group 1, then a value whose group code gives the field's type); an entity's records are the
 xrecord of its extension dictionary named after a table, record after record. A value is illegal
-when its type is not the classifier's (1 text, 40 real, 90 integer), when it is not one of its
-list or lies outside its range, or when it is empty where it must not be: the key, and fields
-marked notempty or required. Lists compare text without regard to case and numbers by value;
-ranges compare numbers by value and text in lower-case order.
+when the record has none for a field of the classifier, when its type is not the classifier's
+(1 text, 40 real, 90 integer), when it is empty where it must not be (the key, and fields marked
+notempty or required; an empty text is legal anywhere else), or when it is not one of its list or
+lies outside its range. Lists compare text without regard to case and numbers by value; ranges
+compare numbers by value and text in lower-case order; reals are equal within a relative 1e-9.
+Const fields are not checked.
 
 The classifier is read as far as the rules need: od_name, od_key and od_fld lines (tab-separated,
 "#" starts a comment); macros are not expanded. Tables the classifier does not name are passed
@@ -92,29 +94,32 @@ def read_classifier(path):
     return tables
 
 
-def empty(value):
-    return value is None or (isinstance(value, str) and value == "")
+def same(code, a, b):
+    return a == b or (code == 40 and abs(a - b) <= 1e-9 * max(1.0, abs(a), abs(b)))
 
 
 def broken_rule(field, code, value):
-    """The rule that the stored (code, value) breaks, or None when it is legal."""
-    if empty(value) and code in (None, 1):
-        if field.key or field.must_fill:
-            return "empty"
-        if field.kind is None:
-            return None  # an empty free value of any type is allowed
+    """The rule that the stored (code, value) breaks, or None when it is legal; code None: no value."""
+    if code is None:
+        return "empty key" if field.key else "missing"
     if code != field.code:
         return "wrong type"
+    if code == 1 and value == "":
+        return "empty key" if field.key else "empty" if field.must_fill else None
     if field.kind == "list":
         if code == 1:
             return None if value.lower() in (item.lower() for item in field.items) else "not in list"
-        return None if value in (number(code, item) for item in field.items) else "not in list"
+        items = [number(code, item) for item in field.items]
+        return None if any(item is not None and same(code, item, value) for item in items) else "not in list"
     if field.kind == "range":
         low, high = field.items
         if code == 1:
             return None if low.lower() <= value.lower() <= high.lower() else "out of range"
         low, high = number(code, low), number(code, high)
-        return None if low is not None and high is not None and low <= value <= high else "out of range"
+        if low is None or high is None:
+            return "out of range"
+        return None if (low <= value or same(code, low, value)) and (value <= high or same(code, value, high)) \
+            else "out of range"
     return None
 
 
@@ -133,7 +138,8 @@ def definitions(doc):
 def check(doc, rules):
     """The handles of the entities with an illegal value, and the count of values by broken rule."""
     tables = definitions(doc)
-    broken, by_rule = [], {"wrong type": 0, "not in list": 0, "out of range": 0, "empty": 0}
+    broken = []
+    by_rule = dict.fromkeys(["wrong type", "not in list", "out of range", "empty", "empty key", "missing"], 0)
     for entity in doc.modelspace():
         if not entity.has_extension_dict:
             continue
@@ -144,13 +150,12 @@ def check(doc, rules):
             if not names or fields is None or xrecord.dxftype() != "XRECORD":
                 continue
             values = list(xrecord.tags)
-            # A short last record reads as empty values, as the store reads it.
             for start in range(0, len(values), len(names)):
-                for i, field_name in enumerate(names):
-                    field = fields.get(field_name.upper())
-                    if field is None:
-                        continue
-                    tag = values[start + i] if start + i < len(values) else None
+                # By field name: a short last record has no value for the fields past its end.
+                stored = {field_name.upper(): values[start + i] for i, field_name in enumerate(names)
+                          if start + i < len(values)}
+                for field_name, field in fields.items():
+                    tag = stored.get(field_name)
                     rule = broken_rule(field, tag.code if tag else None, tag.value if tag else None)
                     if rule:
                         by_rule[rule] += 1
