@@ -5,8 +5,11 @@
 #include <string_view>
 
 #include "commands/CheckCommands.h"
+#include "commands/ClassifyCommands.h"
 #include "commands/LoadCommands.h"
+#include "commands/RestoreCommand.h"
 #include "commands/SelectionCommands.h"
+#include "commands/SortCommand.h"
 #include "host/CommandFlags.h"
 #include "module/CommandContext.h"
 
@@ -31,13 +34,13 @@ struct CommandEntry {
 // In registration order: the order is part of the interface (the host lists commands this way).
 // Adding a command is one line here: its handler in the entry of its name.
 inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
-    {L"VELTARN_CLASSIFY", true},
-    {L"VELTARN_CLASSIFY_AUTO", true},
+    {L"VELTARN_CLASSIFY", true, &classifyCommand},
+    {L"VELTARN_CLASSIFY_AUTO", true, &classifyAutoCommand},
     {L"VELTARN_DRAW", true},
     {L"VELTARN_GUI", false},
     {L"VELTARN_PROPERTIES", false},
     {L"VELTARN_LOAD", false, &loadCommand},
-    {L"VELTARN_RESTORE", true},
+    {L"VELTARN_RESTORE", true, &restoreCommand},
     {L"VELTARN_RELOAD", false, &reloadCommand},
     {L"VELTARN_REMOVE", true, &removeCommand},
     {L"VELTARN_REMOVE_ALL", true, &removeAllCommand},
@@ -47,7 +50,7 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_SEL_ALL", true, &selectAllCommand},
     {L"VELTARN_SEL_NULL", true, &selectNullCommand},
     {L"VELTARN_ASSERT", true, &assertCommand},
-    {L"VELTARN_SORT", true},
+    {L"VELTARN_SORT", true, &sortCommand},
     {L"VELTARN_SEL_CLASSIFIED", true, &selectClassifiedCommand},
     {L"VELTARN_SEL_DUPLICATES", false},
     {L"VELTARN_DEL_DUPLICATES", false},

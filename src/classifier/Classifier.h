@@ -48,6 +48,15 @@ public:
     std::vector<std::wstring>& resourceDrawings() { return resourceDrawings_; }
     const std::vector<std::wstring>& resourceDrawings() const { return resourceDrawings_; }
 
+    // Every file the resource keywords named, with the kinds asked of it: where a class's missing
+    // resources are fetched from later, when one is classified or drawn.
+    struct ResourceFile {
+        std::wstring path;
+        ResourceKinds kinds = 0;
+    };
+    std::vector<ResourceFile>& resourceFiles() { return resourceFiles_; }
+    const std::vector<ResourceFile>& resourceFiles() const { return resourceFiles_; }
+
     // No classes, no objects: what a failed read leaves.
     bool empty() const { return root_.children.empty() && objects_.empty(); }
     // Back to a freshly constructed classifier, path included.
@@ -67,6 +76,7 @@ private:
     std::map<std::wstring, std::wstring> externalBlocks_;
     std::map<ResourceKind, std::vector<std::wstring>> loadedResources_;
     std::vector<std::wstring> resourceDrawings_;
+    std::vector<ResourceFile> resourceFiles_;
 };
 
 }  // namespace veltarn

@@ -539,6 +539,8 @@ bool Run::finishFile() {
 }
 
 bool Run::importResources() {
+    for (const auto& [lowerPath, dependency] : dependencies_)
+        classifier_.resourceFiles().push_back({dependency.path, dependency.kinds});
     if (!drawing_) return true;
 
     // What the definitions use and the drawing lacks, per kind, each name once.

@@ -43,14 +43,15 @@ std::wstring alternatives(const Property<T>& property) {
 // Runs the comparisons of one object against one class, noting faults when asked.
 class Comparison {
 public:
-    Comparison(const host::DbEntity& entity, Faults* why) : entity_(entity), why_(why) {}
+    Comparison(const host::DbEntity& entity, Faults* why, std::wstring_view only = {})
+        : entity_(entity), why_(why), only_(only) {}
 
     bool holding() const { return holding_; }
     bool done() const { return !holding_ && !why_; }
 
     template <class T, class Read, class Same>
     void compare(const wchar_t* keyword, const Property<T>& property, EntityProperty which, Read read, Same same) {
-        if (done() || !std::any_of(property.entries().begin(), property.entries().end(),
+        if (done() || (!only_.empty() && only_ != keyword) || !std::any_of(property.entries().begin(), property.entries().end(),
                                    [](const auto& entry) { return entry.has_value(); }))
             return;
         const std::optional<PropertyValue> value = entity_.property(which);
@@ -92,30 +93,11 @@ public:
 private:
     const host::DbEntity& entity_;
     Faults* why_;
+    std::wstring_view only_;  // one property's keyword, or every property
     bool holding_ = true;
 };
 
-}  // namespace
-
-bool hasClassType(const host::DbEntity& entity, const ClassDef& def) {
-    const std::wstring_view type = entityTypeName(entity.entityClass());
-    if (type.empty()) return false;
-    return std::any_of(def.types.begin(), def.types.end(),
-                       [&](const std::wstring& wanted) { return host::equalsIgnoringCase(type, wanted); });
-}
-
-bool propertyTestHolds(const host::DbEntity& entity, const ClassDef& def, Faults* why) {
-    bool typeHolds = hasClassType(entity, def);
-    if (!typeHolds) {
-        if (!why) return false;
-        std::wstring types;
-        for (const std::wstring& type : def.types) types += (types.empty() ? L"" : L", ") + type;
-        why->push_back(Fault{FaultCode::kWrongEntityType, {}, L"type", std::wstring(entityTypeName(entity.entityClass())),
-                             types});
-    }
-
-    const ObjectProperties& p = def.properties;
-    Comparison check(entity, why);
+void compareProperties(Comparison& check, const ObjectProperties& p) {
     check.color(L"color", p.color, EntityProperty::kColor);
     // "*" lets an object lie on any layer.
     const bool anyLayer = std::any_of(p.layer.entries().begin(), p.layer.entries().end(),
@@ -155,7 +137,36 @@ bool propertyTestHolds(const host::DbEntity& entity, const ClassDef& def, Faults
                       return std::nullopt;
                   },
                   [](std::int8_t found, std::int8_t wanted) { return (found != 0) == (wanted != 0); });
+}
+
+}  // namespace
+
+bool hasClassType(const host::DbEntity& entity, const ClassDef& def) {
+    const std::wstring_view type = entityTypeName(entity.entityClass());
+    if (type.empty()) return false;
+    return std::any_of(def.types.begin(), def.types.end(),
+                       [&](const std::wstring& wanted) { return host::equalsIgnoringCase(type, wanted); });
+}
+
+bool propertyTestHolds(const host::DbEntity& entity, const ClassDef& def, Faults* why) {
+    bool typeHolds = hasClassType(entity, def);
+    if (!typeHolds) {
+        if (!why) return false;
+        std::wstring types;
+        for (const std::wstring& type : def.types) types += (types.empty() ? L"" : L", ") + type;
+        why->push_back(Fault{FaultCode::kWrongEntityType, {}, L"type", std::wstring(entityTypeName(entity.entityClass())),
+                             types});
+    }
+
+    Comparison check(entity, why);
+    compareProperties(check, def.properties);
     return typeHolds && check.holding();
+}
+
+bool propertyAgrees(const host::DbEntity& entity, const ClassDef& def, std::wstring_view keyword) {
+    Comparison check(entity, nullptr, keyword);
+    compareProperties(check, def.properties);
+    return check.holding();
 }
 
 }  // namespace veltarn

@@ -26,6 +26,11 @@ inline constexpr double kPropertyTolerance = 1e-6;
 // Whether `entity` agrees with `def`. With `why`, every disagreement is appended.
 bool propertyTestHolds(const host::DbEntity& entity, const ClassDef& def, Faults* why = nullptr);
 
+// Whether the entity's value of one property ("layer", "color", "textstyle", ... as the classifier
+// names it) is one of the class's values; true when the class does not set it or the object's kind
+// does not carry it.
+bool propertyAgrees(const host::DbEntity& entity, const ClassDef& def, std::wstring_view keyword);
+
 // Whether the entity's type name is one of the class's types (without regard to case).
 bool hasClassType(const host::DbEntity& entity, const ClassDef& def);
 

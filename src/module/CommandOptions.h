@@ -2,6 +2,8 @@
 // as the module is loaded, not per drawing and not saved. Each command has its own copies.
 #pragma once
 
+#include "module/ModuleDialogs.h"
+
 namespace veltarn {
 
 struct SelectionOptions {
@@ -17,6 +19,9 @@ struct CommandOptions {
     int selectNullCheckNonRequired = 0;   // VELTARN_SEL_NULL
     int assertCheckNonRequired = 0;       // VELTARN_ASSERT
     int restoreMode = 0;                  // VELTARN_RESTORE: 0 all, 1 default
+    ClassificationParameters classification;  // VELTARN_CLASSIFY's dialog
+    int autoMode = 0;                     // VELTARN_CLASSIFY_AUTO: 0 properties, 1 classes
+    int autoUndrawable = 0;               // VELTARN_CLASSIFY_AUTO: also classes not flagged
 };
 
 }  // namespace veltarn

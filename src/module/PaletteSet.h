@@ -30,6 +30,8 @@ public:
     // file gives an empty list.
     virtual void loadRecent(const std::wstring& path) = 0;
     virtual void loadFavorites(const std::wstring& path) = 0;
+    // Puts the class `name` at the top of the recent list.
+    virtual void addRecent(const std::wstring& name) = 0;
     // Show the page's list again, against the classifier in use.
     virtual void refreshRecent() = 0;
     virtual void refreshFavorites() = 0;
