@@ -24,6 +24,7 @@ bench: build
 	@scripts/install-deps.sh bench
 	@scripts/bench.sh $(BUILD)
 	@scripts/bench-subsystems.sh $(BUILD)
+	@scripts/bench-commands.sh $(BUILD)
 
 fuzz:
 	@scripts/install-deps.sh build fuzz

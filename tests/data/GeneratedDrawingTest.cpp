@@ -1,6 +1,7 @@
 // Our fixture tools keep their promises: the generator's drawings are repeatable, clean for the
-// independent auditor, and hold object data the store reads as the generator wrote it; the audit
-// check finds a damaged drawing.
+// independent auditor, and hold object data the store reads as the generator wrote it; the
+// benchmark's value-rules script finds the faults the generator made; the audit check finds a
+// damaged drawing.
 #include "ExternalTools.h"
 #include "ScratchFiles.h"
 #include "TestDrawing.h"
@@ -10,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 using namespace veltarn;
@@ -69,6 +71,54 @@ TEST(FixtureGenerator, ObjectDataReadsBackThroughTheStore) {
     }
     EXPECT_EQ(entities, 24);
     EXPECT_GT(records, entities) << "some entities carry two records";
+}
+
+// The generator's faulty entities are exactly those the benchmark's value-rules script finds, and
+// a classifier that types a field otherwise makes each value of that field the wrong type.
+TEST(FixtureGenerator, ValueRulesFindTheEntitiesMadeFaulty) {
+    ASSERT_EQ(testtools::missingEzdxf(), "");
+    const fs::path dir = test::scratchDir("generator-faulty");
+    const std::string classifier = testtools::quoted((dir / "classes.txt").string());
+    ASSERT_EQ(generate(dir / "d.dxf", "240 --data all --tables 5 --faulty 0.2 --one-record --classifier " + classifier +
+                                          " --faulty-list " + testtools::quoted((dir / "faulty.txt").string())),
+              "");
+
+    auto drawing = TestDrawing::read(dir / "d.dxf");
+    host::Database& db = drawing->db();
+    int entities = 0, roads = 0;
+    for (host::ObjectId entity : db.blockEntities(db.modelSpace())) {
+        ObjectData cursor(db);
+        ObjectDataRecord record;
+        ASSERT_EQ(cursor.open(entity), kOdOk);
+        ASSERT_EQ(cursor.read(record), kOdOk);
+        EXPECT_TRUE(cursor.atEnd()) << "--one-record gave an entity a second record";
+        roads += record.table == L"ROADS";
+        ++entities;
+    }
+    EXPECT_EQ(entities, 240);
+
+    const std::string faulty = readBytes(dir / "faulty.txt");
+    const auto faultyCount = std::count(faulty.begin(), faulty.end(), '\n');
+    EXPECT_GT(faultyCount, 20);
+    EXPECT_LT(faultyCount, 80);
+
+    const std::string script = testtools::quoted(VELTARN_SOURCE_DIR "/bench/commands/value_rules.py") + " " +
+                               testtools::quoted((dir / "d.dxf").string());
+    std::string found;
+    ASSERT_EQ(testtools::runPython(script + " " + classifier + " --handles", &found), 0) << found;
+    EXPECT_EQ(found.substr(0, found.find("illegal: ")), faulty);
+    EXPECT_NE(found.find("illegal: " + std::to_string(faultyCount) + "\n"), std::string::npos) << found;
+    EXPECT_NE(found.find("wrong type 0,"), std::string::npos) << found;
+
+    std::string classes = readBytes(dir / "classes.txt");
+    const std::string lanes = "LANES\tLanes\tinteger";
+    ASSERT_NE(classes.find(lanes), std::string::npos);
+    classes.replace(classes.find(lanes), lanes.size(), "LANES\tLanes\treal");
+    std::ofstream(dir / "retyped.txt", std::ios::binary) << classes;
+    ASSERT_EQ(testtools::runPython(script + " " + testtools::quoted((dir / "retyped.txt").string()), &found), 0)
+        << found;
+    EXPECT_NE(found.find("wrong type " + std::to_string(roads) + ","), std::string::npos)
+        << roads << " roads: " << found;
 }
 
 TEST(AuditCheck, FindsADanglingEntryAndAnUnreadableFile) {

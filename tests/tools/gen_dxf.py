@@ -21,7 +21,9 @@ Options:
   --tables N       object-data tables: ROADS, PIPES, then CLASS_03... (default 2)
   --faulty F       the share of records (0 to 1) given a value outside its list or range, or an
                    empty key, so that value checks have something to find (default 0)
+  --one-record     one record for every entity that has data (by default every seventh has two)
   --classifier F   also write the classifier that defines the tables' classes, lists and ranges
+  --faulty-list F  also write the handles of the entities with a faulty record, one a line
 
 Object data: the named objects dictionary holds "ODEMUDATA" with one table-definition xrecord
 per table (a field name under group 1 and a value of the field's type per field); an entity's
@@ -96,7 +98,9 @@ def field_value(rng, table, index, faulty):
 
 
 def record(rng, table, faulty):
-    bad = rng.randrange(1, len(table.fields)) if faulty else -1
+    # Only a field with a list or a range can hold a wrong value; a free text never does.
+    breakable = [i for i, (_, _, allowed) in enumerate(table.fields) if i > 0 and allowed is not None]
+    bad = rng.choice(breakable) if faulty else -1
     # A faulty record breaks one field only; a key made empty breaks the key.
     if faulty and rng.random() < 0.25:
         bad = 0
@@ -286,7 +290,9 @@ def main(argv):
     parser.add_argument("--data", default="some", choices=["none", "some", "all"])
     parser.add_argument("--tables", type=int, default=2)
     parser.add_argument("--faulty", type=float, default=0.0)
+    parser.add_argument("--one-record", action="store_true")
     parser.add_argument("--classifier")
+    parser.add_argument("--faulty-list")
     args = parser.parse_args(argv)
     if args.count < 0 or args.layers < 1 or args.tables < 1 or not 0 <= args.faulty <= 1:
         parser.error("COUNT must not be negative, --layers and --tables at least 1, --faulty between 0 and 1")
@@ -304,6 +310,7 @@ def main(argv):
         define_tables(doc, tables, rng)
     kinds = every_kind(modern) if args.kinds == "all" else basic_kinds(modern)
     entities = []
+    faulty_handles = []
     for i in range(args.count):
         attribs = {"layer": f"LAYER_{i % args.layers:02d}"}
         if i % 5 == 1:
@@ -314,8 +321,14 @@ def main(argv):
         entities.append(entity)
         if with_data and (args.data == "all" or i % 3 != 2):
             table = tables[(i // 3) % len(tables)]
-            rows = [record(rng, table, rng.random() < args.faulty) for _ in range(2 if i % 7 == 0 else 1)]
+            rows, faulty = [], False
+            for _ in range(2 if i % 7 == 0 and not args.one_record else 1):
+                fault = rng.random() < args.faulty  # drawn before the record's own values
+                rows.append(record(rng, table, fault))
+                faulty = faulty or fault
             attach_records(entity, table, rows)
+            if faulty:
+                faulty_handles.append(entity.dxf.handle)
             if i % 13 == 0:
                 add_foreign_data(entity)
 
@@ -328,6 +341,9 @@ def main(argv):
     doc.saveas(args.out, fmt="bin" if args.binary else "asc")
     if args.classifier:
         write_classifier(args.classifier, tables)
+    if args.faulty_list:
+        with open(args.faulty_list, "w", encoding="ascii", newline="\n") as f:
+            f.writelines(handle + "\n" for handle in faulty_handles)
     return 0
 
 
