@@ -16,7 +16,9 @@ Const fields are not checked.
 
 The classifier is read as far as the rules need: od_name, od_key and od_fld lines (tab-separated,
 "#" starts a comment); macros are not expanded. Tables the classifier does not name are passed
-over, as are other applications' xrecords.
+over, as are other applications' xrecords, and so are records whose key names no class of their
+table (a record belongs to the class whose name its key holds, without regard to case; an empty
+or unknown key makes it another program's record, which VELTARN_SEL_CLASSIFIED 0 finds instead).
 
 Prints the count of entities with an illegal value, and how many values broke each rule; with
 --handles, first the handle of each such entity, one a line.
@@ -68,17 +70,22 @@ def number(code, text):
         return None
 
 
-def read_classifier(path):
-    """Table name (upper case) -> field name (upper case) -> Field."""
-    tables, fields = {}, None
+def read_classifier(path, classes=None):
+    """Table name (upper case) -> field name (upper case) -> Field; with `classes` (a dict), also
+    fills it with table name (upper case) -> the lower-case names of the classes that carry it."""
+    tables, fields, class_name = {}, None, None
     with open(path, encoding="utf-8-sig") as f:
         for line in f:
             c = columns(line)
             if not c:
                 continue
             keyword = c[0].lower()
-            if keyword == "od_name" and len(c) == 2:
+            if keyword == "obj_name" and len(c) >= 2:
+                class_name = c[1].lower()
+            elif keyword == "od_name" and len(c) == 2:
                 fields = tables.setdefault(c[1].upper(), {})
+                if classes is not None and class_name is not None:
+                    classes.setdefault(c[1].upper(), set()).add(class_name)
             elif keyword == "od_key" and len(c) == 2 and fields is not None:
                 fields[c[1].upper()] = Field(c[1], 1, key=True)
             elif keyword == "od_fld" and 4 <= len(c) <= 6 and fields is not None:
@@ -135,11 +142,14 @@ def definitions(doc):
     return result
 
 
-def check(doc, rules):
-    """The handles of the entities with an illegal value, and the count of values by broken rule."""
+def check(doc, rules, classes=None):
+    """The handles of the entities with an illegal value, and the count of values by broken rule.
+    With `classes` (from read_classifier), records whose key names none of their table's classes
+    are passed over."""
     tables = definitions(doc)
     broken = []
-    by_rule = dict.fromkeys(["wrong type", "not in list", "out of range", "empty", "empty key", "missing"], 0)
+    by_rule = dict.fromkeys(["wrong type", "not in list", "out of range", "empty", "empty key", "missing",
+                             "foreign"], 0)
     for entity in doc.modelspace():
         if not entity.has_extension_dict:
             continue
@@ -154,6 +164,11 @@ def check(doc, rules):
                 # By field name: a short last record has no value for the fields past its end.
                 stored = {field_name.upper(): values[start + i] for i, field_name in enumerate(names)
                           if start + i < len(values)}
+                if classes is not None:
+                    key = next((stored.get(n) for n, f in fields.items() if f.key), None)
+                    if key is None or str(key.value).lower() not in classes.get(name.upper(), ()):
+                        by_rule["foreign"] += 1
+                        continue
                 for field_name, field in fields.items():
                     tag = stored.get(field_name)
                     rule = broken_rule(field, tag.code if tag else None, tag.value if tag else None)
@@ -170,9 +185,12 @@ def main(argv):
     parser.add_argument("drawing")
     parser.add_argument("classifier")
     parser.add_argument("--handles", action="store_true")
+    parser.add_argument("--every-record", action="store_true",
+                        help="check records whose key names no class too (the generator's own count)")
     args = parser.parse_args(argv)
-    rules = read_classifier(args.classifier)
-    broken, by_rule = check(ezdxf.readfile(args.drawing), rules)
+    classes = None if args.every_record else {}
+    rules = read_classifier(args.classifier, classes)
+    broken, by_rule = check(ezdxf.readfile(args.drawing), rules, classes)
     if args.handles:
         sys.stdout.writelines(handle + "\n" for handle in broken)
     print(f"illegal: {len(broken)}")
