@@ -27,6 +27,7 @@ public:
     const std::vector<ObjectDataRecord>& records(host::ObjectId entity) { return records_.read(entity); }
     // After a command defined new tables in the drawing.
     void refreshTables() { records_.refreshTables(); }
+    const TableDirectory& tables() const { return records_.tables(); }
 
     // The property test of `entity` (opened here) against `def`; false when it cannot be opened.
     bool propertiesHold(host::ObjectId entity, const ClassDef& def) {

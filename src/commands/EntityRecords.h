@@ -20,6 +20,8 @@ public:
 
     // Reads the drawing's tables again: to be called after a command defined new ones.
     void refreshTables();
+    // The drawing's tables as last read, for other cursors of the same command.
+    const TableDirectory& tables() const { return tables_; }
 
 private:
     host::Database& db_;

@@ -24,8 +24,9 @@ RecordPlace placeOf(const std::vector<ObjectDataRecord>& records, std::size_t at
     return {records[at].table, index};
 }
 
-bool removeAt(host::Database& db, host::ObjectId entity, const RecordPlace& place) {
+bool removeAt(const ClassTests& tests, host::Database& db, host::ObjectId entity, const RecordPlace& place) {
     ObjectData cursor(db);
+    cursor.useDirectory(&tests.tables());
     ObjectDataRecord record;
     if (cursor.open(entity, place.table) != kOdOk || cursor.atEnd() || cursor.read(record) != kOdOk) return false;
     for (std::size_t i = 0; i < place.index; ++i) {
@@ -37,13 +38,13 @@ bool removeAt(host::Database& db, host::ObjectId entity, const RecordPlace& plac
 
 // Removes the records at `places`, the later ones of a table first so that the earlier ones keep
 // their places.
-int removeAll(host::Database& db, host::ObjectId entity, std::vector<RecordPlace> places) {
+int removeAll(const ClassTests& tests, host::Database& db, host::ObjectId entity, std::vector<RecordPlace> places) {
     std::sort(places.begin(), places.end(), [](const RecordPlace& a, const RecordPlace& b) {
         return a.table != b.table ? a.table < b.table : a.index > b.index;
     });
     int removed = 0;
     for (const RecordPlace& place : places)
-        if (removeAt(db, entity, place)) ++removed;
+        if (removeAt(tests, db, entity, place)) ++removed;
     return removed;
 }
 
@@ -68,7 +69,7 @@ bool removeClassData(ClassTests& tests, host::ObjectId entity, const ClassDef& d
             }
         }
     }
-    removeAll(tests.db(), entity, std::move(places));
+    removeAll(tests, tests.db(), entity, std::move(places));
     return true;
 }
 
@@ -80,7 +81,7 @@ int removeResolvedRecords(ClassTests& tests, host::ObjectId entity) {
         if (def && tests.meetsDrawingRequirements(*def)) places.push_back(placeOf(records, i));
     }
     if (places.empty()) return 0;
-    return removeAll(tests.db(), entity, std::move(places));
+    return removeAll(tests, tests.db(), entity, std::move(places));
 }
 
 }  // namespace veltarn
