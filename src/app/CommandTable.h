@@ -11,6 +11,7 @@
 #include "commands/SelectionCommands.h"
 #include "commands/SortCommand.h"
 #include "commands/TemplateCommand.h"
+#include "gui/AboutCommand.h"
 #include "host/CommandFlags.h"
 #include "module/CommandContext.h"
 
@@ -59,7 +60,7 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_TEMPLATE", false, &templateCommand},
     {L"VELTARN_TYPE", false, &typeCommand},
     {L"VELTARN_STAT", true},
-    {L"VELTARN_ABOUT", false},
+    {L"VELTARN_ABOUT", false, &aboutCommand},
     {L"VELTARN_IMPL_INSRT", true},
     {L"VELTARN_IMPL_TXT", true},
     {L"VELTARN_IMPL_MTXT", true},

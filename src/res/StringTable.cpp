@@ -116,7 +116,7 @@ constexpr Entry kEntries[] = {
     {StringId::kCaptionAbout, L"About"},
     {StringId::kAboutText,
      L"VELTARN\n"
-     L"Version 0.1.0\n"
+     L"Version %s\n"
      L"\n"
      L"Keeps the objects of a drawing in order against a classifier: a text file of class\n"
      L"definitions with their entity types, graphic properties and object-data tables.\n"
