@@ -8,6 +8,7 @@
 #include "commands/ClassifyCommands.h"
 #include "commands/LoadCommands.h"
 #include "commands/RestoreCommand.h"
+#include "commands/RoundCommand.h"
 #include "commands/SelectionCommands.h"
 #include "commands/SortCommand.h"
 #include "commands/TemplateCommand.h"
@@ -56,7 +57,7 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_SEL_CLASSIFIED", true, &selectClassifiedCommand},
     {L"VELTARN_SEL_DUPLICATES", false},
     {L"VELTARN_DEL_DUPLICATES", false},
-    {L"VELTARN_ROUND", true},
+    {L"VELTARN_ROUND", true, &roundCommand},
     {L"VELTARN_TEMPLATE", false, &templateCommand},
     {L"VELTARN_TYPE", false, &typeCommand},
     {L"VELTARN_STAT", true},

@@ -25,6 +25,7 @@ struct CommandOptions {
     int autoMode = 0;                     // VELTARN_CLASSIFY_AUTO: 0 properties, 1 classes
     int autoUndrawable = 0;               // VELTARN_CLASSIFY_AUTO: also classes not flagged
     std::wstring templateFormat = L"%t_%i_%L";  // VELTARN_TEMPLATE: how objects are named
+    int roundDecimals = -1;               // VELTARN_ROUND; -1 until first asked: then LUPREC
 };
 
 }  // namespace veltarn
