@@ -11,6 +11,7 @@
 #include "commands/RoundCommand.h"
 #include "commands/SelectionCommands.h"
 #include "commands/SortCommand.h"
+#include "commands/StatCommand.h"
 #include "commands/TemplateCommand.h"
 #include "gui/AboutCommand.h"
 #include "host/CommandFlags.h"
@@ -60,7 +61,7 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_ROUND", true, &roundCommand},
     {L"VELTARN_TEMPLATE", false, &templateCommand},
     {L"VELTARN_TYPE", false, &typeCommand},
-    {L"VELTARN_STAT", true},
+    {L"VELTARN_STAT", true, &statCommand},
     {L"VELTARN_ABOUT", false, &aboutCommand},
     {L"VELTARN_IMPL_INSRT", true},
     {L"VELTARN_IMPL_TXT", true},
