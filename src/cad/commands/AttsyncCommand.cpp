@@ -2,6 +2,7 @@
 // picking one reference; the values users typed stay.
 #include "cad/commands/HostSession.h"
 
+#include "base/Trim.h"
 #include "cad/db/AttributeSync.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/dxf/NumberText.h"
@@ -54,10 +55,12 @@ private:
     }
 
     db::Handle byName() {
-        std::wstring name;
-        if (editor_.getString(L"Enter name of block to synchronize: ", false, name) != PromptStatus::kNormal ||
-            name.empty())
+        // Block names may hold spaces: the name ends at the line end.
+        std::wstring answer;
+        if (editor_.getString(L"Enter name of block to synchronize: ", true, answer) != PromptStatus::kNormal)
             return db::kNoHandle;
+        const std::wstring name(trim(answer));
+        if (name.empty()) return db::kNoHandle;
         const db::Handle block = db_.findBlock(seam::narrow(name));
         if (block == db::kNoHandle || isLayout(db_.blockName(block))) {
             editor_.print(L"Block " + name + L" not found.\n");

@@ -161,7 +161,7 @@ TEST_F(AttsyncTest, ByNameKeepsValuesAddsDefaultsDropsGoneTagsEverywhereAndUndoB
 }
 
 TEST_F(AttsyncTest, SelectPicksAReferenceAndBlocksThatCannotBeSynchronisedSaySo) {
-    EXPECT_NE(type(L"ATTSYNC N NOPE\n").find(L"Block NOPE not found.\n"), std::wstring::npos) << output_;
+    EXPECT_NE(type(L"ATTSYNC N no such \n").find(L"Block no such not found.\n"), std::wstring::npos) << output_;
     EXPECT_NE(type(L"ATTSYNC N PLAIN\n").find(L"Block PLAIN has no attributes.\n"), std::wstring::npos) << output_;
     // "?" lists the blocks with attribute definitions and asks again; Enter picks by default.
     const std::wstring listed = type(L"ATTSYNC ?\n\n\n");

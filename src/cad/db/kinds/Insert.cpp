@@ -330,7 +330,7 @@ Result<std::vector<Handle>> synchronizeAttributes(Database& db, TagList& referen
         if (follow != TagList::npos) out.erase(follow);
     } else {
         if (follow != TagList::npos) {
-            out[follow].value = "1";
+            out[follow] = TagValue{gc::kEntitiesFollow, "1"};
         } else {
             const std::size_t name = out.find(gc::kName, 1, end);
             out.insert(name == TagList::npos ? end : name, gc::kEntitiesFollow, "1");
