@@ -197,41 +197,6 @@ TEST(AuditSoundDrawings, GiveNoFindings) {
     Database made = Database::createNew();
     const Handle line = made.appendEntity(made.modelSpace(), db::TagList{{0, "LINE"}, {8, "0"}}).value();
     ASSERT_TRUE(db::addXrecord(made, db::createExtensionDictionary(made, line).value(), "ROADS", {}).ok());
-    // An attribute's extension dictionary is the attribute's, not its block reference's.
-    ASSERT_TRUE(made.addBlock("B").ok());
-    const Handle attribute = made.allocateHandle().value();
-    const std::string owner = db::formatHandle(attribute);
-    const Handle dictionary =
-        made.addObject({{0, "DICTIONARY"}, {330, owner}, {100, "AcDbDictionary"}, {280, "1"}}).value();
-    const db::TagList reference{{0, "INSERT"},
-                                {100, "AcDbEntity"},
-                                {8, "0"},
-                                {100, "AcDbBlockReference"},
-                                {66, "1"},
-                                {2, "B"},
-                                {10, "0"},
-                                {20, "0"},
-                                {30, "0"},
-                                {0, "ATTRIB"},
-                                {5, owner},
-                                {102, "{ACAD_XDICTIONARY"},
-                                {360, db::formatHandle(dictionary)},
-                                {102, "}"},
-                                {100, "AcDbEntity"},
-                                {8, "0"},
-                                {100, "AcDbText"},
-                                {10, "0"},
-                                {20, "0"},
-                                {30, "0"},
-                                {40, "1"},
-                                {1, "v"},
-                                {100, "AcDbAttribute"},
-                                {2, "T"},
-                                {70, "0"},
-                                {0, "SEQEND"},
-                                {100, "AcDbEntity"},
-                                {8, "0"}};
-    ASSERT_TRUE(made.appendEntity(made.modelSpace(), reference).ok());
     EXPECT_EQ(listing(auditDrawing(made)), "");
 }
 

@@ -133,6 +133,7 @@ TEST_F(AttsyncTest, ByNameKeepsValuesAddsDefaultsDropsGoneTagsEverywhereAndUndoB
 
     const fs::path saved = dir_ / "synced.dxf";
     ASSERT_TRUE(db().save(saved).ok());
+    // Both auditors: the kept attribute's extension dictionary is the attribute's, not its reference's.
     EXPECT_EQ(testtools::audit(saved), "");
     std::string read;
     ASSERT_EQ(
