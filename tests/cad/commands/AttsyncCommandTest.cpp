@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 constexpr char kDrawing[] = R"(
 import sys, ezdxf
 doc = ezdxf.new("R2018")
-for name in ("Parts", "Notes", "Held"):
+for name in ("Fittings", "Notes", "Held"):
     doc.layers.add(name)
 tag = doc.blocks.new("TAG", base_point=(1, 0))
 tag.add_line((0, 0), (2, 0))
@@ -31,7 +31,7 @@ tag.add_attdef("GONE", (0, 2), text="g0", dxfattribs={"layer": "Notes"})
 tag.add_attdef("FIXED", (0, 3), text="c", dxfattribs={"flags": 2})
 doc.blocks.new("PLAIN").add_circle((0, 0), 1)
 msp = doc.modelspace()
-a = msp.add_blockref("TAG", (10, 10), dxfattribs={"layer": "Parts", "xscale": 2, "yscale": 2, "rotation": 90})
+a = msp.add_blockref("TAG", (10, 10), dxfattribs={"layer": "Fittings", "xscale": 2, "yscale": 2, "rotation": 90})
 a.add_auto_attribs({"KEEP": "user", "GONE": "x"})
 for attrib in a.attribs:
     attrib.new_extension_dict().add_xrecord("NOTE").reset([(1, attrib.dxf.tag)])
@@ -142,7 +142,7 @@ TEST_F(AttsyncTest, ByNameKeepsValuesAddsDefaultsDropsGoneTagsEverywhereAndUndoB
     auto hex = [](db::Handle h) { return db::formatHandle(h); };
     // Placed by each reference: the rotated one (scale 2, 90 degrees) turns the definitions'
     // offsets from the base point; a definition on layer 0 takes the reference's layer.
-    EXPECT_EQ(read, hex(model_[0]) + " KEEP=user@8,8/Parts/1/90/1 NEW=n0@12,8/Notes/0.5/90/0\n" + hex(model_[1]) +
+    EXPECT_EQ(read, hex(model_[0]) + " KEEP=user@8,8/Fittings/1/90/1 NEW=n0@12,8/Notes/0.5/90/0\n" + hex(model_[1]) +
                         " KEEP=k0@29,1/0/0.5/0/0 NEW=n0@29,-1/Notes/0.25/0/0\n" + hex(paper_) +
                         " KEEP=sheet@4,6/0/0.5/0/0 NEW=n0@4,4/Notes/0.25/0/0\n" + hex(nested_) +
                         " KEEP=k0@-1,1/0/0.5/0/0 NEW=n0@-1,-1/Notes/0.25/0/0\n");

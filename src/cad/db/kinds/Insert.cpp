@@ -223,7 +223,7 @@ struct AttributeSource {
 
 // An ATTRIB as the definition describes it, in the definition's form, before it is placed: its
 // look, tag and flags, and the kept attribute's value, groups and xdata (or the default value).
-// The definition's prompt is no attribute's; the parts of a multiline definition are left out.
+// The definition's prompt is no attribute's; a multiline definition's embedded text is left out.
 TagList attributeFrom(const AttributeSource& source) {
     const TagList definition = detached(*source.definition);
     const bool modern = definition.hasMarkers();
