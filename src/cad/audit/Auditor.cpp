@@ -36,9 +36,11 @@ struct Group {
 };
 
 Group findGroup(const TagList& tags, std::string_view name) {
-    for (std::size_t i = 1; i < tags.size(); ++i) {
+    // The object's own groups: an insert's attributes and a polyline's vertices have theirs.
+    const std::size_t end = std::min(tags.find(gc::kStructure, 1), tags.size());
+    for (std::size_t i = 1; i < end; ++i) {
         if (tags[i].code != gc::kControlString || dxf::trimSpaces(tags[i].value) != name) continue;
-        for (std::size_t j = i + 1; j < tags.size(); ++j)
+        for (std::size_t j = i + 1; j < end; ++j)
             if (tags[j].code == gc::kControlString)
                 return {i, dxf::trimSpaces(tags[j].value) == db::kGroupEnd ? j : TagList::npos};
         return {i, TagList::npos};

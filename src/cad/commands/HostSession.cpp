@@ -11,6 +11,8 @@ void registerHostCommands(HostSession& session) {
     registerScriptCommand(session);
     registerHelpCommand(session);
     registerAuditCommand(session);
+    registerAttsyncCommand(session);
+    registerRegenCommand(session);
 }
 
 }  // namespace veltarn::cad

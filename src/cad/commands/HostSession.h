@@ -20,6 +20,8 @@ struct HostSession {
     // Extra lines LIST prints for an entity after its extension dictionary (the module's object
     // data in readable form); empty text adds nothing.
     std::function<std::wstring(host::Database&, host::ObjectId)> listObjectData;
+    // Asks a window that shows the drawing to draw it again (REGEN); unset on the command line.
+    std::function<void()> redrawView;
 };
 
 // The command group of the workbench's own commands.
@@ -37,6 +39,8 @@ void registerLayerCommand(HostSession& session);       // -LAYER
 void registerScriptCommand(HostSession& session);      // SCRIPT
 void registerHelpCommand(HostSession& session);        // HELP
 void registerAuditCommand(HostSession& session);       // AUDIT
+void registerAttsyncCommand(HostSession& session);     // ATTSYNC
+void registerRegenCommand(HostSession& session);       // REGEN
 
 // What a script is known by when it might start itself: its canonical path (the path as given
 // when that cannot be found), so that "./a.scr" and a symlink to it are the same script.

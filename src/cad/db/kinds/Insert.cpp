@@ -42,6 +42,20 @@ TagList textOf(const TagList& attribute, std::size_t from, std::size_t to) {
     return text;
 }
 
+// How the reference (own tags [1, end)) places the entities of a block whose base point is `base`;
+// nullopt for one scaled to nothing.
+std::optional<Placement> placementOf(const TagList& tags, std::size_t end, const Point3& base) {
+    Placement p;
+    p.scale = {tags.real(gc::kReal2, 1, end).value_or(1), tags.real(gc::kReal3, 1, end).value_or(1),
+               tags.real(gc::kReal4, 1, end).value_or(1)};
+    if (p.scale.x == 0 || p.scale.y == 0 || p.scale.z == 0) return std::nullopt;
+    p.map = Affine::blockReference(base, p.scale, tags.real(gc::kAngle, 1, end).value_or(0),
+                                   tags.point(gc::kX, 1, end).value_or(Point3{}), normalIn(tags, 1, end));
+    p.mirrored = p.map.determinant() < 0;
+    p.size = std::abs(p.scale.x);
+    return p;
+}
+
 // Into the block's entities, moved, scaled, rotated and mirrored as the reference shows them; a
 // nested reference stays one. A multiple insert is not exploded.
 Result<std::vector<TagList>> explode(const Database& db, const TagList& tags) {
@@ -51,16 +65,10 @@ Result<std::vector<TagList>> explode(const Database& db, const TagList& tags) {
         return fail("a multiple insert (MINSERT) is not exploded");
     Handle block = db.findBlock(name);
     if (block == kNoHandle) return fail("cannot explode: the drawing has no block \"" + name + "\"");
-    Point3 base = db.tags(db.blockBegin(block)).point(gc::kX).value_or(Point3{});
-    Placement p;
-    p.scale = {tags.real(gc::kReal2, 1, end).value_or(1), tags.real(gc::kReal3, 1, end).value_or(1),
-               tags.real(gc::kReal4, 1, end).value_or(1)};
-    if (p.scale.x == 0 || p.scale.y == 0 || p.scale.z == 0)
-        return fail("cannot explode a block reference scaled to nothing");
-    p.map = Affine::blockReference(base, p.scale, tags.real(gc::kAngle, 1, end).value_or(0),
-                                   tags.point(gc::kX, 1, end).value_or(Point3{}), normalIn(tags, 1, end));
-    p.mirrored = p.map.determinant() < 0;
-    p.size = std::abs(p.scale.x);
+    std::optional<Placement> placement =
+        placementOf(tags, end, db.tags(db.blockBegin(block)).point(gc::kX).value_or(Point3{}));
+    if (!placement) return fail("cannot explode a block reference scaled to nothing");
+    const Placement& p = *placement;
 
     std::vector<TagList> out;
     for (Handle entity : db.entitiesOf(block)) {
@@ -162,6 +170,189 @@ const EntityKindOps kMultipleInsert{
     .place = place,
     .explode = explode,
 };
+
+// --- Attributes given again from the block's definitions (ATTSYNC) ---------------------------------
+
+namespace {
+
+// Tags [from, to) of `tags` as a list of their own.
+TagList slice(const TagList& tags, std::size_t from, std::size_t to) {
+    TagList out;
+    out.reserve(to - from);
+    for (std::size_t i = from; i < to; ++i)
+        out.add(tags[i].code, tags[i].value);
+    return out;
+}
+
+// The application groups (reactors, extension dictionary) of an entity, before its first marker.
+TagList applicationGroups(const TagList& tags) {
+    TagList out;
+    const std::size_t end = tags.find(gc::kSubclass);
+    for (std::size_t i = 1; i < std::min(end, tags.size()); ++i) {
+        if (tags[i].code != gc::kControlString) continue;
+        std::size_t close = tags.find(gc::kControlString, kGroupEnd, i + 1, end);
+        if (close == TagList::npos) break;
+        for (std::size_t j = i; j <= close; ++j)
+            out.add(tags[j].code, tags[j].value);
+        i = close;
+    }
+    return out;
+}
+
+TagList xdataOf(const TagList& tags) {
+    for (std::size_t i = 1; i < tags.size(); ++i)
+        if (tags[i].code >= gc::kXdataFirst) return slice(tags, i, tags.size());
+    return {};
+}
+
+// The extension dictionary an attribute's group names; kNoHandle when it has none.
+Handle extensionDictionaryOf(const TagList& attribute) {
+    const std::size_t group = attribute.find(gc::kControlString, kXdictionaryGroup);
+    if (group == TagList::npos) return kNoHandle;
+    const std::size_t close = attribute.find(gc::kControlString, kGroupEnd, group + 1);
+    return parseHandle(attribute.text(gc::kHardOwner, group + 1, close).value_or("")).value_or(kNoHandle);
+}
+
+// What a reference's attribute takes from its definition and from the reference.
+struct AttributeSource {
+    const TagList* definition;      // the ATTDEF
+    const TagList* kept = nullptr;  // the reference's ATTRIB of the same tag, when it had one
+    std::string_view layer;         // the reference's layer
+    bool paper = false;             // the reference lies in paper space
+};
+
+// An ATTRIB as the definition describes it, in the definition's form, before it is placed: its
+// look, tag and flags, and the kept attribute's value, groups and xdata (or the default value).
+// The definition's prompt is no attribute's; a multiline definition's embedded text is left out.
+TagList attributeFrom(const AttributeSource& source) {
+    const TagList definition = detached(*source.definition);
+    const bool modern = definition.hasMarkers();
+    TagList out{{gc::kStructure, "ATTRIB"}};
+    if (source.kept) {
+        for (const TagValue& tag : applicationGroups(*source.kept))
+            out.add(tag.code, tag.value);
+    }
+    if (source.paper && !modern) out.add(gc::kPaperSpace, "1");
+    bool inDefinition = !modern;
+    for (std::size_t i = 1; i < definition.size(); ++i) {
+        const TagValue& tag = definition[i];
+        if (tag.code >= gc::kXdataFirst) break;  // the definition's own xdata
+        if (tag.code == gc::kSubclass) {
+            if (tag.value == "AcDbAttributeDefinition") {
+                out.add(gc::kSubclass, "AcDbAttribute");
+                inDefinition = true;
+                continue;
+            }
+            if (tag.value != "AcDbEntity" && tag.value != "AcDbText") break;
+            out.add(tag.code, tag.value);
+            if (tag.value == "AcDbEntity" && source.paper) out.add(gc::kPaperSpace, "1");
+            continue;
+        }
+        if (tag.code == gc::kPrompt && inDefinition) continue;
+        // A definition on layer 0 gives its attribute the reference's layer, as it does in CAD programs.
+        if (tag.code == gc::kLayer && tag.value == "0") {
+            out.add(gc::kLayer, std::string(source.layer));
+            continue;
+        }
+        out.add(tag.code, tag.value);
+    }
+    auto [from, to] = modern ? out.subclass("AcDbText") : out.subclass("");
+    if (from == TagList::npos) from = 1, to = out.size();
+    std::string value(source.definition->text(gc::kText).value_or(""));
+    if (source.kept) value = std::string(source.kept->text(gc::kText).value_or(""));
+    out.set(gc::kText, std::move(value), from, to);
+    if (source.kept) {
+        for (const TagValue& tag : xdataOf(*source.kept))
+            out.add(tag.code, tag.value);
+    }
+    return out;
+}
+
+}  // namespace
+
+Result<std::vector<Handle>> synchronizeAttributes(Database& db, TagList& reference,
+                                                  const std::vector<TagList>& definitions, const Point3& base) {
+    const std::size_t end = ownEnd(reference);
+    const std::string handle(reference.text(gc::kHandle, 1, end).value_or(""));
+    const std::optional<Placement> placement = placementOf(reference, end, base);
+    if (!placement) return fail("block reference " + handle + " is scaled to nothing: its attributes have no place");
+    if (auto left = db.handlesLeft(definitions.size() + 1); !left) return left.error();
+    const Handle owner = parseHandle(handle).value_or(kNoHandle);
+    const bool modern = reference.hasMarkers();
+    const std::string layer(reference.text(gc::kLayer, 1, end).value_or("0"));
+    const bool paper = reference.integer(gc::kPaperSpace, 1, end).value_or(0) == 1;
+
+    std::vector<TagList> had;
+    TagList seqend;
+    for (std::size_t i = end; i < reference.size();) {
+        std::size_t next = reference.find(gc::kStructure, i + 1);
+        if (next == TagList::npos) next = reference.size();
+        TagList piece = slice(reference, i, next);
+        if (piece.type() == "ATTRIB")
+            had.push_back(std::move(piece));
+        else if (piece.type() == "SEQEND")
+            seqend = std::move(piece);
+        i = next;
+    }
+
+    TagList out = slice(reference, 0, end);
+    std::vector<bool> kept(had.size(), false);
+    std::size_t count = 0;
+    for (const TagList& definition : definitions) {
+        auto [from, to] =
+            definition.hasMarkers() ? definition.subclass("AcDbAttributeDefinition") : definition.subclass("");
+        if (from == TagList::npos) continue;  // no ATTDEF, or one without its own part
+        if (definition.integer(gc::kFlags, from, to).value_or(0) & kAttributeConstant) continue;
+        const std::string_view tag = dxf::trimSpaces(definition.text(gc::kTag, from, to).value_or(""));
+        AttributeSource source{&definition, nullptr, layer, paper};
+        // Equal tags pair in order: the first such attribute with the first such definition.
+        for (std::size_t k = 0; k < had.size() && !source.kept; ++k) {
+            auto [own, ownTo] = had[k].hasMarkers() ? had[k].subclass("AcDbAttribute") : had[k].subclass("");
+            if (kept[k] || own == TagList::npos) continue;
+            if (!sameName(dxf::trimSpaces(had[k].text(gc::kTag, own, ownTo).value_or("")), tag)) continue;
+            kept[k] = true;
+            source.kept = &had[k];
+        }
+        TagList attribute = attributeFrom(source);
+        placeText(attribute, 1, attribute.size(), *placement);
+        Handle id =
+            source.kept ? parseHandle(source.kept->text(gc::kHandle).value_or("")).value_or(kNoHandle) : kNoHandle;
+        if (id == kNoHandle) id = db.allocateHandle().value();  // enough are left: checked above
+        setIdentity(attribute, id, gc::kHandle, owner, modern);
+        for (const TagValue& t : attribute)
+            out.add(t.code, t.value);
+        ++count;
+    }
+
+    // An insert with attributes says so (66) and ends them with a SEQEND; one without has neither.
+    const std::size_t follow = out.find(gc::kEntitiesFollow, 1, end);
+    if (count == 0) {
+        if (follow != TagList::npos) out.erase(follow);
+    } else {
+        if (follow != TagList::npos) {
+            out[follow] = TagValue{gc::kEntitiesFollow, "1"};
+        } else {
+            const std::size_t name = out.find(gc::kName, 1, end);
+            out.insert(name == TagList::npos ? end : name, gc::kEntitiesFollow, "1");
+        }
+        if (seqend.empty()) {
+            seqend = {{gc::kStructure, "SEQEND"}};
+            if (modern) seqend.add(gc::kSubclass, "AcDbEntity");
+            if (paper) seqend.add(gc::kPaperSpace, "1");
+            seqend.add(gc::kLayer, layer);
+            setIdentity(seqend, db.allocateHandle().value(), gc::kHandle, owner, modern);
+        }
+        for (const TagValue& t : seqend)
+            out.add(t.code, t.value);
+    }
+
+    std::vector<Handle> dropped;
+    for (std::size_t k = 0; k < had.size(); ++k)
+        if (Handle dictionary = extensionDictionaryOf(had[k]); !kept[k] && dictionary != kNoHandle)
+            dropped.push_back(dictionary);
+    reference = std::move(out);
+    return dropped;
+}
 
 }  // namespace kinds
 

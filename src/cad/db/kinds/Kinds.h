@@ -44,4 +44,11 @@ extern const EntityKindOps kLargeRadialDimension;
 // with it.
 void placeText(TagList& tags, std::size_t from, std::size_t to, const Placement& p);
 
+// Gives one block reference (its tags, with its ATTRIBs and SEQEND) one ATTRIB per non-constant
+// definition of `definitions` (its block's ATTDEFs, in order; `base`: the block's base point): see
+// synchronizeAttributes() in AttributeSync.h. The tags change only on success; returns the
+// extension dictionaries of the attributes removed, for the caller to erase.
+Result<std::vector<Handle>> synchronizeAttributes(Database& db, TagList& reference,
+                                                  const std::vector<TagList>& definitions, const Point3& base);
+
 }  // namespace veltarn::db::kinds
