@@ -117,7 +117,9 @@ private:
 }  // namespace
 
 void registerAttsyncCommand(HostSession& session) {
-    session.host.commandStack().addCommand(kHostGroup, L"ATTSYNC", L"ATTSYNC", host::CommandFlags::kModal, [&session] {
+    session.host.commandStack().addCommand(kHostGroup, L"ATTSYNC", L"ATTSYNC",
+        // The module sends it after a command whose result is the selection: that stays selected.
+        host::CommandFlags::kUsePickSet | host::CommandFlags::kRedraw, [&session] {
         if (!session.host.currentDrawing()) return;
         AttsyncCommand(session).run();
     });

@@ -7,7 +7,9 @@
 namespace veltarn::cad {
 
 void registerRegenCommand(HostSession& session) {
-    session.host.commandStack().addCommand(kHostGroup, L"REGEN", L"REGEN", host::CommandFlags::kModal, [&session] {
+    session.host.commandStack().addCommand(kHostGroup, L"REGEN", L"REGEN",
+        // The module sends it after a command whose result is the selection: that stays selected.
+        host::CommandFlags::kUsePickSet | host::CommandFlags::kRedraw, [&session] {
         session.host.editor().print(L"Regenerating model.\n");
         if (session.redrawView) session.redrawView();
     });
