@@ -8,9 +8,12 @@
                                 manholes, trees and spot levels on plain layers.
 
 Run from the repository root: /usr/bin/python3 examples/make_drawings.py
+The same script always writes the same bytes.
 """
 import math
+import os
 import pathlib
+import sys
 
 import ezdxf
 
@@ -118,5 +121,9 @@ def survey_drawing():
 
 
 if __name__ == "__main__":
+    # ezdxf orders the CLASSES section by a set of names: the same bytes need the same string hashes.
+    if os.environ.get("PYTHONHASHSEED") != "0":
+        os.execve(sys.executable, [sys.executable] + sys.argv, dict(os.environ, PYTHONHASHSEED="0"))
+    ezdxf.options.write_fixed_meta_data_for_testing = True  # no time stamps or random GUIDs
     side_drawing()
     survey_drawing()
