@@ -68,9 +68,13 @@ TEST(ClassifierCheckResources, TheExampleBringsItsResourcesIntoTheDrawingItSaves
                                   quote(examples + "utility-survey.txt") + " --save-as checked.dxf 2>&1");
     EXPECT_EQ(run.exitCode, 0) << run.out;
     const std::string saved = readFile(dir / "checked.dxf");
-    // A block of the side drawing, a linetype of the .lin file, a layer of the side drawing.
-    for (const char* name : {"\nLAMP_POST\n", "\nWATER_PIPE\n", "\nSV_WATER\n"})
+    const std::string original = readFile(examples + "utility-survey.dxf");
+    // A block of the side drawing, a linetype of the .lin file, a layer of the side drawing: none
+    // of them in the example drawing before.
+    for (const char* name : {"\nLAMP_POST\n", "\nGAS_PIPE\n", "\nSV_GAS\n"}) {
+        EXPECT_EQ(original.find(name), std::string::npos) << name;
         EXPECT_NE(saved.find(name), std::string::npos) << name;
+    }
     // The .pat file's patterns went to the new user's own pattern files.
     EXPECT_NE(readFile(dir / "config/veltarn/support/acad.pat").find("*WETLAND,"), std::string::npos);
     fs::remove_all(dir);
