@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: check the example classifier against the example drawing,
-# audit the drawing, list objects with their object data on the command line, and read a drawing
-# and write it back unchanged.
+# audit the drawing, load the classifier into it and run the selection and value checks (what
+# each finds: examples/README.md), list objects with their object data on the command line, and
+# read a drawing and write it back unchanged.
 set -euo pipefail
 build=${1:-build}
 out="$build/demo"
@@ -16,6 +17,10 @@ echo "== veltarn examples/utility-survey.dxf --check-classifier examples/utility
 
 echo "== veltarn examples/utility-survey.dxf --audit"
 "$build/bin/veltarn" examples/utility-survey.dxf --audit
+
+echo "== veltarn examples/utility-survey.dxf --script examples/check.scr"
+# "Selected: N" ends no line, as at a CAD command line: the next prompt follows on the same one.
+"$build/bin/veltarn" examples/utility-survey.dxf --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/'
 
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"

@@ -56,7 +56,13 @@ TEST(ExampleClassifier, BringsItsResourcesIntoTheExampleDrawing) {
     auto drawing = seam::WorkbenchDatabase::read(kExamples / "utility-survey.dxf");
     ASSERT_TRUE(drawing) << drawing.message();
     host.openDocument(std::move(*drawing));
-    DrawingResources resources(host, *host.currentDrawing());
+    host::Database& db = *host.currentDrawing();
+    // Resources the example drawing lacks: the survey layers and pipe linetypes it already uses
+    // would prove nothing.
+    ASSERT_FALSE(db.hasSymbol(host::SymbolTable::kLayer, L"SV_GAS"));
+    ASSERT_FALSE(db.hasSymbol(host::SymbolTable::kLinetype, L"GAS_PIPE"));
+    ASSERT_FALSE(db.hasSymbol(host::SymbolTable::kBlock, L"TREE"));
+    DrawingResources resources(host, db);
 
     std::wstring messages;
     ClassifierReader reader([&](const std::wstring& text) { messages += text; }, &host.systemVariables(), &resources);
@@ -65,12 +71,11 @@ TEST(ExampleClassifier, BringsItsResourcesIntoTheExampleDrawing) {
     EXPECT_EQ(messages, L"");
     EXPECT_EQ(classifier.objectCount(), 39);
 
-    host::Database& db = *host.currentDrawing();
-    EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kLayer, L"SV_WATER"));
+    EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kLayer, L"SV_GAS"));
     EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kBlock, L"TREE"));
     EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kTextStyle, L"SV_Labels"));
     EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kDimensionStyle, L"SV_Metric"));
-    EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kLinetype, L"WATER_PIPE"));
+    EXPECT_TRUE(db.hasSymbol(host::SymbolTable::kLinetype, L"GAS_PIPE"));
     EXPECT_FALSE(db.hasSymbol(host::SymbolTable::kLayer, L"SV_ROAD_MARKING"));  // named by no definition
     std::string userPatterns = readFile(home / "support" / "acad.pat");
     EXPECT_NE(userPatterns.find("\n*WETLAND, Wetland: short dashes in rows\n"), std::string::npos);

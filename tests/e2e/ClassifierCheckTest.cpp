@@ -1,7 +1,8 @@
 // Golden runs of `veltarn ... --check-classifier FILE`. A case is checks/NAME.args, the program's
 // arguments on one line ("<source>" stands for the source tree); the other NAME.* files are copied
 // into the run's folder, the working folder. NAME.out holds what standard output shows, then the
-// standard error and the exit status under their own headings.
+// standard error and the exit status under their own headings. Also the example's own runs: its
+// resources brought in, and the checks the demo makes over the example drawing.
 #include <unistd.h>
 
 #include <algorithm>
@@ -68,11 +69,31 @@ TEST(ClassifierCheckResources, TheExampleBringsItsResourcesIntoTheDrawingItSaves
                                   quote(examples + "utility-survey.txt") + " --save-as checked.dxf 2>&1");
     EXPECT_EQ(run.exitCode, 0) << run.out;
     const std::string saved = readFile(dir / "checked.dxf");
-    // A block of the side drawing, a linetype of the .lin file, a layer of the side drawing.
-    for (const char* name : {"\nLAMP_POST\n", "\nWATER_PIPE\n", "\nSV_WATER\n"})
+    const std::string original = readFile(examples + "utility-survey.dxf");
+    // A block of the side drawing, a linetype of the .lin file, a layer of the side drawing: none
+    // of them in the example drawing before.
+    for (const char* name : {"\nLAMP_POST\n", "\nGAS_PIPE\n", "\nSV_GAS\n"}) {
+        EXPECT_EQ(original.find(name), std::string::npos) << name;
         EXPECT_NE(saved.find(name), std::string::npos) << name;
+    }
     // The .pat file's patterns went to the new user's own pattern files.
     EXPECT_NE(readFile(dir / "config/veltarn/support/acad.pat").find("*WETLAND,"), std::string::npos);
+    fs::remove_all(dir);
+}
+
+// examples/check.scr as the demo runs it, from the source tree whose relative paths it names: the
+// counts examples/README.md explains, and the listing of the objects with an empty required value.
+TEST(ExampleChecks, FindWhatTheExampleDrawingHolds) {
+    const fs::path dir = fs::temp_directory_path() / ("veltarn_example_checks_" + std::to_string(::getpid()));
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    const ShellRun run = runShell("cd " + quote(VELTARN_SOURCE_DIR) + " && XDG_CONFIG_HOME=" +
+                                  quote((dir / "config").string()) + " " + quote(kProgram.string()) +
+                                  " examples/utility-survey.dxf --script examples/check.scr </dev/null 2>" +
+                                  quote((dir / "stderr.txt").string()));
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(readFile(dir / "stderr.txt"), "") << "the program's own errors";
+    expectGolden(fs::path(VELTARN_SOURCE_DIR) / "tests/e2e/example_checks.out", run.out, "the transcript");
     fs::remove_all(dir);
 }
 
