@@ -15,6 +15,9 @@ bool agreesWithDefinition(const TableDef& table, const ObjectDataRecord& definit
 }
 
 bool matchesDrawingTable(host::Database& db, const TableDef& table, host::Documents* documents) {
+    // A drawing without "ODEMUDATA" defines no table; looking must not create the dictionary (and
+    // turn an R12 drawing into a newer one).
+    if (findObjectDataDictionary(db).isNull()) return true;
     ObjectDataRecord definition;
     if (!readTableDefinition(db, table.name, definition, documents)) return true;
     return agreesWithDefinition(table, definition);

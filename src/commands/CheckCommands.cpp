@@ -1,5 +1,7 @@
 #include "commands/CheckCommands.h"
 
+#include <algorithm>
+#include <cwctype>
 #include <set>
 
 #include "classifier/EntityType.h"
@@ -42,7 +44,12 @@ void typeCommand(CommandContext& context) {
     }
     FilterUsable(host, list);
 
-    std::set<std::wstring_view> names;
+    // Alphabetical without regard to case: "MLeader", "Mline", "MPolygon", "MText".
+    auto alphabetical = [](std::wstring_view a, std::wstring_view b) {
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                            [](wchar_t x, wchar_t y) { return std::towlower(x) < std::towlower(y); });
+    };
+    std::set<std::wstring_view, decltype(alphabetical)> names(alphabetical);
     host::Database& db = *host.workingDatabase();
     for (host::ObjectId id : list) {
         // Objects of no type (old-style polylines, attribute definitions, ...) have no line.

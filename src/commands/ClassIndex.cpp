@@ -58,6 +58,12 @@ const TableDef* ClassIndex::findTable(std::wstring_view name) const {
     return found == tables_.end() ? nullptr : found->second;
 }
 
+const TableDef* ClassIndex::tableOf(const ObjectDataRecord& record) const {
+    if (const ClassDef* def = classOfRecord(record))
+        if (const TableDef* table = def->findTable(record.table)) return table;
+    return findTable(record.table);
+}
+
 const ClassDef* ClassIndex::classOfRecord(const ObjectDataRecord& record) const {
     const TableDef* table = findTable(record.table);
     if (!table) return nullptr;

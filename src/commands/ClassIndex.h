@@ -26,9 +26,13 @@ public:
     // each once; members the classifier does not define are left out.
     std::vector<const ClassDef*> classesBelow(const ClassNode& node) const;
 
-    // The classifier's table called `name` (any case): tables of one name are identical in a
-    // classifier, so any class's copy will do. Null when no class has it.
+    // The classifier's table called `name` (any case), as the first class that has it defines it.
+    // Tables of one name agree in their fields' names and types, but each class may give them
+    // their own attributes, lists and ranges: where a record's class is known, ask tableOf().
+    // Null when no class has it.
     const TableDef* findTable(std::wstring_view name) const;
+    // The definition of the record's table that applies to it: its class's, else the first.
+    const TableDef* tableOf(const ObjectDataRecord& record) const;
 
     // The class a record names: its table looked up, then for each key field of that table in
     // the table's order, the record's value of that field taken as text and the class of that

@@ -13,11 +13,13 @@ bool nearlyEqual(double a, double b) {
 }
 bool atMost(double a, double b) { return a <= b || nearlyEqual(a, b); }
 
-// `text` read as a value of `type`, the way a classifier's list and range texts are read.
+// `text` read as a value of `type`, the way a classifier's list and range texts are read. Numbers
+// are read as reals whatever the field's type, so that "1.5" in the list of an integer field is
+// 1.5 and no integer equals it (reading it as an integer would make it 1).
 std::optional<FieldValue> parsed(FieldType type, const std::wstring& text) {
     FieldValue value;
     switch (type) {
-        case FieldType::Integer: value.setInteger(0); break;
+        case FieldType::Integer:
         case FieldType::Real: value.setReal(0); break;
         case FieldType::Point: value.setPoint({}); break;
         default: value.setText({}); break;
@@ -30,10 +32,15 @@ std::optional<FieldValue> parsed(FieldType type, const std::wstring& text) {
     return value;
 }
 
+// A number of either stored type, as a real.
+double numberOf(const FieldValue& value) {
+    return value.type() == FieldType::Integer ? static_cast<double>(value.integerValue()) : value.realValue();
+}
+
 bool sameValue(FieldType type, const FieldValue& a, const FieldValue& b) {
     switch (type) {
-        case FieldType::Integer: return a.integerValue() == b.integerValue();
-        case FieldType::Real: return nearlyEqual(a.realValue(), b.realValue());
+        case FieldType::Integer: return numberOf(a) == numberOf(b);
+        case FieldType::Real: return nearlyEqual(numberOf(a), numberOf(b));
         case FieldType::Character: return host::equalsIgnoringCase(a.text(), b.text());
         case FieldType::Point: {
             const FieldPoint p = a.pointValue(), q = b.pointValue();
@@ -45,9 +52,8 @@ bool sameValue(FieldType type, const FieldValue& a, const FieldValue& b) {
 
 bool inRange(FieldType type, const FieldValue& low, const FieldValue& value, const FieldValue& high) {
     switch (type) {
-        case FieldType::Integer:
-            return low.integerValue() <= value.integerValue() && value.integerValue() <= high.integerValue();
-        case FieldType::Real: return atMost(low.realValue(), value.realValue()) && atMost(value.realValue(), high.realValue());
+        case FieldType::Integer: return numberOf(low) <= numberOf(value) && numberOf(value) <= numberOf(high);
+        case FieldType::Real: return atMost(numberOf(low), numberOf(value)) && atMost(numberOf(value), numberOf(high));
         case FieldType::Character: {
             const std::wstring v = host::toLower(value.text());
             return host::toLower(low.text()) <= v && v <= host::toLower(high.text());

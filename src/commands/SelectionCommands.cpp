@@ -93,7 +93,7 @@ void selectNullCommand(CommandContext& context) {
     ClassTests tests(*host.workingDatabase(), *context.state.classifier);
     selectWhere(host, *list, [&](host::ObjectId id) {
         for (const ObjectDataRecord& record : tests.records(id)) {
-            const TableDef* table = tests.index().findTable(record.table);
+            const TableDef* table = tests.index().tableOf(record);
             if (!table) continue;
             for (const FieldValue& value : record.fields) {
                 if (value.type() != FieldType::Character || !value.text().empty()) continue;

@@ -38,7 +38,7 @@ void countObject(ClassTests& tests, host::ObjectId id, Counts& counts) {
     std::set<const ClassDef*> holding;
     bool known = false, illegal = false, emptyRequired = false;
     for (const ObjectDataRecord& record : records) {
-        if (const TableDef* table = tests.index().findTable(record.table)) {
+        if (const TableDef* table = tests.index().tableOf(record)) {
             for (const FieldValue& value : record.fields) {
                 if (value.type() != FieldType::Character || !value.text().empty()) continue;
                 const FieldDef* field = table->findField(value.name());
