@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# The module's selection and check commands over a drawing of 1,000,000 entities, each with one
+# The module's commands over a drawing of 1,000,000 entities, each with one
 # object-data record of one of 50 classes, about a tenth of them holding an illegal or empty value:
-# first each command timed in one workbench session (bench/commands), then the whole program
+# first each selection and check command, and the draw order, timed in one workbench session
+# (bench/commands); then classification of as many entities without data; then the whole program
 # checking the drawing (load, classifier, VELTARN_ASSERT 1) beside a Python reading of the same
 # value rules over ezdxf (bench/commands/value_rules.py). Figures are printed, never asserted.
 # Usage: scripts/bench-commands.sh [BUILD_DIR]  (the drawing is made once, into BUILD_DIR/bench-data;
@@ -34,8 +35,32 @@ if [[ ! -f $DRAWING ]]; then
 fi
 cat "$DRAWING" >/dev/null  # every run reads from the page cache
 
-printf '\n== selection and check commands over all of model space, one session (targets: VELTARN_SEL and VELTARN_SEL_ALL at least 1,000,000 entities a second, VELTARN_ASSERT 1 at least 500,000)\n'
+# The same number of entities without object data, with the classifier of one class to give them
+# all, and one of 1,000 flagged classes (7 types on 20 layers) for automatic classification.
+BARE=$DATA/classify-$ENTITIES.dxf
+BARE_CLASSES=$DATA/classify-$ENTITIES-classes.txt
+AUTO_CLASSES=$DATA/classify-1000-classes.txt
+if [[ ! -f $BARE ]]; then
+    echo "bench: making $BARE (once)"
+    "$PYTHON" "$GENERATOR" "$ENTITIES" "$BARE.part" --data none --tables 1 --classifier "$BARE_CLASSES"
+    mv "$BARE.part" "$BARE"
+fi
+"$PYTHON" - "$AUTO_CLASSES" <<'PYTHON'
+import sys
+kinds = ["Line", "Circle", "Arc", "Polyline", "Text", "BlockReference", "Point"]
+lines = ["# 1,000 flagged classes: each type on each of 20 layers, seven classes a pair.", ""]
+for k in range(1000):
+    lines += [f"class\tGroup {k}\t1", f"\tobj_name\tAuto {k}\t1\t{k}", f"\t\tobj_type\t{kinds[k % 7]}",
+              f"\t\tobj_prop\tlayer\tLAYER_{(k // 7) % 20:02d}", "\t\tod_name\tAUTO", "\t\t\tod_key\tID",
+              "\t\t\tod_fld\tNOTE\tNote\tcharacter", "/class"]
+open(sys.argv[1], "w", encoding="utf-8").write("\n".join(lines) + "\n")
+PYTHON
+
+printf '\n== selection and check commands over all of model space, one session (targets: VELTARN_SEL and VELTARN_SEL_ALL at least 1,000,000 entities a second, VELTARN_ASSERT 1 at least 500,000, VELTARN_SORT of all under 3 s)\n'
 "$BENCH" "$DRAWING" "$CLASSES" 2>&1 | grep -v -e '^\*\*\*WARNING\*\*\* Library was built as DEBUG' -e '^Load Average'
+
+printf '\n== classification of %s entities without data, one session (targets: VELTARN_CLASSIFY of one class at least 300,000 entities a second, VELTARN_CLASSIFY_AUTO 0 with 1,000 flagged classes at least 200,000)\n' "$ENTITIES"
+"$BENCH" "$BARE" "$BARE_CLASSES" "$AUTO_CLASSES" 2>&1 | grep -v -e '^\*\*\*WARNING\*\*\* Library was built as DEBUG' -e '^Load Average'
 
 # The whole program: it reads the drawing, loads the classifier and checks every record. The
 # empty line is the Enter that takes all of model space at "Select objects: ".
@@ -69,7 +94,7 @@ printf '\n== the whole check of %s entities: veltarn (load, VELTARN_LOAD, VELTAR
 printf '%-44s %9s  %s\n' "" "seconds" "counted"
 printf '%-44s %9.2f  %s\n' "veltarn DRAWING --script (VELTARN_ASSERT 1)" "$ours" "$(counted "$TRANSCRIPT")"
 printf '%-44s %9.2f  %s\n' "value_rules.py (ezdxf readfile + rules)" "$theirs" "$(grep -h '^illegal: ' "$RULES_OUT" || tail -n 1 "$RULES_OUT")"
-printf '%-44s %9s  %s\n' "the generator's faulty entities" "" "$(wc -l <"$FAULTY")"
+printf '%-44s %9s  %s\n' "the generator's faulty entities" "" "$(wc -l <"$FAULTY") (empty keys included)"
 # No verdict when the program did not check: a command not built yet, or no classifier loaded.
 if failure=$(grep -Eh -m 1 "is not available yet|Error: no file loaded|Unknown command" "$TRANSCRIPT"); then
     echo "veltarn vs value_rules.py: no verdict, the program did not check: $failure"
