@@ -629,8 +629,20 @@ std::vector<Handle> Database::records(std::string_view table) const {
 Handle Database::findRecord(std::string_view table, std::string_view recordName) const {
     int t = tableIndexOf(table);
     if (t < 0) return kNoHandle;
-    for (std::uint32_t slot : tables_[static_cast<std::size_t>(t)].records)
-        if (!(slots_[slot].flags & kErased) && sameName(dxf::trimSpaces(nameOf(slot)), recordName)) return slots_[slot].handle;
+    const TableEntry& entry = tables_[static_cast<std::size_t>(t)];
+    std::string key = upperName(recordName);
+    if (auto known = entry.byName.find(key); known != entry.byName.end()) {
+        const std::uint32_t slot = known->second;
+        if (slot < slots_.size() && !(slots_[slot].flags & kErased) && sameName(dxf::trimSpaces(nameOf(slot)), recordName))
+            return slots_[slot].handle;
+        entry.byName.erase(known);
+    }
+    for (std::uint32_t slot : entry.records) {
+        if (!(slots_[slot].flags & kErased) && sameName(dxf::trimSpaces(nameOf(slot)), recordName)) {
+            entry.byName.emplace(std::move(key), slot);
+            return slots_[slot].handle;
+        }
+    }
     return kNoHandle;
 }
 

@@ -260,6 +260,10 @@ private:
         std::string name;
         std::uint32_t head = kNoSlot, end = kNoSlot;
         std::vector<std::uint32_t> records;
+        // Upper-case record name to slot, as last found: every write open asks for an entity's
+        // layer by name. A hit is checked against the record itself, a miss searches again, so
+        // the index is never trusted past a rename, an erase or a new record.
+        mutable std::unordered_map<std::string, std::uint32_t> byName;
     };
 
     Database();
