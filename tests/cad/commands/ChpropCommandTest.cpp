@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "ExternalTools.h"
+#include "cad/db/EntityProperties.h"
 #include "cad/seam/ValueConversion.h"
 
 namespace veltarn::cad {
@@ -65,18 +66,6 @@ protected:
         return output_;
     }
     std::wstring hex(db::Handle h) { return seam::wide(db::formatHandle(h)); }
-    std::string readBack() {
-        const fs::path saved = dir_ / "changed.dxf";
-        EXPECT_TRUE(db().save(saved).ok());
-        EXPECT_EQ(testtools::audit(saved), "");
-        std::string read;
-        EXPECT_EQ(
-            testtools::runPython("-c " + testtools::quoted(kReadBack) + " " + testtools::quoted(saved.string()), &read),
-            0)
-            << read;
-        return read;
-    }
-
     fs::path dir_;
     std::wstring output_;
     seam::WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, "/nonexistent/settings"};
@@ -99,10 +88,16 @@ TEST_F(ChpropTest, ChangesEveryPropertyOfTheChosenObjectsButTheLockedOneInOneSte
     EXPECT_NE(out.find(L"Enter new lineweight <BYLAYER>: 35\n"), std::wstring::npos) << out;
     EXPECT_EQ(db().journal().commandCount(), steps + 1);
 
-    const std::string h = db::formatHandle(held_);
+    const fs::path saved = dir_ / "changed.dxf";
+    ASSERT_TRUE(db().save(saved).ok());
+    EXPECT_EQ(testtools::audit(saved), "");
+    std::string read;
+    ASSERT_EQ(
+        testtools::runPython("-c " + testtools::quoted(kReadBack) + " " + testtools::quoted(saved.string()), &read), 0)
+        << read;
     const std::string changed = " Fittings (200, 100, 0) DASHED 2.5 35\n";
-    EXPECT_EQ(readBack(),
-              db::formatHandle(line_) + changed + db::formatHandle(circle_) + changed + h + " Held 5 BYLAYER 1 -1\n");
+    EXPECT_EQ(read, db::formatHandle(line_) + changed + db::formatHandle(circle_) + changed + db::formatHandle(held_) +
+                        " Held 5 BYLAYER 1 -1\n");
 
     // The colours read back as they were typed once more: the common value is shown.
     EXPECT_NE(type(L"CHPROP\nall\n\nc\n\n\n").find(L"Enter new color <200,100,0>: \n"), std::wstring::npos) << output_;
@@ -113,7 +108,7 @@ TEST_F(ChpropTest, ChangesEveryPropertyOfTheChosenObjectsButTheLockedOneInOneSte
     EXPECT_EQ(db().tags(held_), held);
 }
 
-TEST_F(ChpropTest, RefusedValuesAreAskedAgainAndEnterKeepsWhatTheObjectsHave) {
+TEST_F(ChpropTest, RefusedValuesAreAskedAgainAndEnterOrLockedLayersLeaveTheObjectsAsTheyAre) {
     // The pick-first set, left by SELECT, is taken without a prompt.
     const std::wstring out = type(L"SELECT\n" + hex(line_) +
                                   L"\n\nCHPROP\nLAyer\nNowhere\n\nColor\n256\n1,2\n\nlwEIGHT\n33\n-1\n\n"
@@ -129,20 +124,20 @@ TEST_F(ChpropTest, RefusedValuesAreAskedAgainAndEnterKeepsWhatTheObjectsHave) {
                        L"Specify new linetype scale <1>: -2\nRequires a positive number.\n"),
               std::wstring::npos)
         << out;
-    EXPECT_FALSE(host_.currentDrawing()->modified());
-}
-
-TEST_F(ChpropTest, ObjectsOnLockedLayersStayAsTheyAre) {
-    const db::TagList held = db().tags(held_), line = db().tags(line_);
     // Only locked objects: nothing to change, no property asked for.
     const std::wstring alone = type(L"CHPROP\n" + hex(held_) + L"\n\n");
     EXPECT_NE(alone.find(L"1 was on a locked layer.\n"), std::wstring::npos) << alone;
     EXPECT_EQ(alone.find(L"Enter property"), std::wstring::npos) << alone;
+    EXPECT_FALSE(host_.currentDrawing()->modified());
+}
 
-    // An object moved to a locked layer is locked for the rest of the command too.
+TEST_F(ChpropTest, AnObjectMovedToALockedLayerIsLeftAloneForTheRestOfTheCommand) {
+    const db::TagList line = db().tags(line_);
     const std::wstring moved = type(L"CHPROP\n" + hex(line_) + L"\n\nLA\nHeld\nC\n1\n\n");
     EXPECT_NE(moved.find(L"Enter new color <BYLAYER>: 1\n1 was on a locked layer.\n"), std::wstring::npos) << moved;
-    EXPECT_EQ(db().tags(held_), held);
+    const db::CommonProperties now = db::commonProperties(db().tags(line_));
+    EXPECT_EQ(now.layer, "Held");
+    EXPECT_EQ(now.color, db::Color::byLayer());
     type(L"U\n");
     EXPECT_EQ(db().tags(line_), line);
 }
