@@ -13,6 +13,7 @@ void registerHostCommands(HostSession& session) {
     registerAuditCommand(session);
     registerAttsyncCommand(session);
     registerRegenCommand(session);
+    registerChpropCommand(session);
 }
 
 }  // namespace veltarn::cad

@@ -41,6 +41,7 @@ void registerHelpCommand(HostSession& session);        // HELP
 void registerAuditCommand(HostSession& session);       // AUDIT
 void registerAttsyncCommand(HostSession& session);     // ATTSYNC
 void registerRegenCommand(HostSession& session);       // REGEN
+void registerChpropCommand(HostSession& session);      // CHPROP
 
 // What a script is known by when it might start itself: its canonical path (the path as given
 // when that cannot be found), so that "./a.scr" and a symlink to it are the same script.

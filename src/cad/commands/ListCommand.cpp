@@ -3,6 +3,7 @@
 #include "cad/commands/HostSession.h"
 
 #include "cad/commands/ObjectGathering.h"
+#include "cad/commands/PropertyText.h"
 #include "host/CommandFlags.h"
 #include "host/Format.h"
 
@@ -11,13 +12,6 @@ namespace {
 
 // Dictionaries nest; a damaged drawing could make them loop.
 constexpr int kMaxDepth = 8;
-
-std::wstring colorText(const host::Color& color) {
-    if (color.isRgb) return host::format(L"%i,%i,%i", color.red, color.green, color.blue);
-    if (color.index == host::Color::kByLayer) return L"BYLAYER";
-    if (color.index == host::Color::kByBlock) return L"BYBLOCK";
-    return host::format(L"%i", color.index);
-}
 
 std::wstring valueText(const host::TypedValue& value) {
     return std::visit(
