@@ -120,8 +120,8 @@ TEST_F(CVeltarnAppTest, unbuiltCommandsSayWhyTheyDoNothing) {
               L"Command: VELTARN_GUI\nError: 'VELTARN_GUI' is not available yet.\n");
     // With a classifier the same command gets past the check and says it is not built.
     loadClassifier();
-    EXPECT_EQ(host_.type(L"_VELTARN_STAT\n"),
-              L"Command: _VELTARN_STAT\nError: 'VELTARN_STAT' is not available yet.\n");
+    EXPECT_EQ(host_.type(L"_VELTARN_DRAW\n"),
+              L"Command: _VELTARN_DRAW\nError: 'VELTARN_DRAW' is not available yet.\n");
 }
 
 // A command's handler gets the host and the module state, after the classifier check of its entry.
