@@ -6,6 +6,7 @@
 
 #include "commands/CheckCommands.h"
 #include "commands/ClassifyCommands.h"
+#include "commands/DuplicateCommands.h"
 #include "commands/LoadCommands.h"
 #include "commands/RestoreCommand.h"
 #include "commands/RoundCommand.h"
@@ -56,8 +57,8 @@ inline constexpr std::array<CommandEntry, 28> kCommandTable = {{
     {L"VELTARN_ASSERT", true, &assertCommand},
     {L"VELTARN_SORT", true, &sortCommand},
     {L"VELTARN_SEL_CLASSIFIED", true, &selectClassifiedCommand},
-    {L"VELTARN_SEL_DUPLICATES", false},
-    {L"VELTARN_DEL_DUPLICATES", false},
+    {L"VELTARN_SEL_DUPLICATES", false, &selectDuplicatesCommand},
+    {L"VELTARN_DEL_DUPLICATES", false, &deleteDuplicatesCommand},
     {L"VELTARN_ROUND", true, &roundCommand},
     {L"VELTARN_TEMPLATE", false, &templateCommand},
     {L"VELTARN_TYPE", false, &typeCommand},

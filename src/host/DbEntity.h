@@ -8,6 +8,7 @@
 #include "host/DbObject.h"
 #include "host/EntityClass.h"
 #include "host/EntityProperty.h"
+#include "host/EntityShape.h"
 
 namespace veltarn::host {
 
@@ -30,6 +31,9 @@ public:
     // as a rule) and returns their ids in the order explode made them. The entity itself is not
     // changed: the caller erases it when it should go. Empty when the entity cannot be exploded.
     virtual std::vector<ObjectId> explodeInto(ObjectId ownerBlock) = 0;
+
+    // Its geometry as numbers, for telling duplicates; nullopt when it cannot be read.
+    virtual std::optional<EntityShape> shape() const = 0;
 
     // Convenience accessors over property().
     std::wstring layer() const { return textProperty(EntityProperty::kLayer); }

@@ -26,6 +26,7 @@ struct CommandOptions {
     int autoUndrawable = 0;               // VELTARN_CLASSIFY_AUTO: also classes not flagged
     std::wstring templateFormat = L"%t_%i_%L";  // VELTARN_TEMPLATE: how objects are named
     int roundDecimals = -1;               // VELTARN_ROUND; -1 until first asked: then LUPREC
+    double duplicateTolerance = 1e-6;     // VELTARN_SEL_DUPLICATES and VELTARN_DEL_DUPLICATES, shared
 };
 
 }  // namespace veltarn

@@ -9,6 +9,7 @@
 #include "cad/db/Xrecord.h"
 #include "cad/seam/EntityClassification.h"
 #include "cad/seam/EntityPropertyAccess.h"
+#include "cad/seam/EntityShapeAccess.h"
 #include "cad/seam/ValueConversion.h"
 #include "host/DbDictionary.h"
 #include "host/DbEntity.h"
@@ -163,6 +164,8 @@ public:
         }
         return made;
     }
+
+    std::optional<host::EntityShape> shape() const override { return entityShape(db().tags(handle_)); }
 
 private:
     // A closed polyline becomes the hatch's only, outer loop.

@@ -44,6 +44,9 @@ struct EntityKindOps {
     std::optional<ClosedFlag> closedFlag = std::nullopt;
     // Its shape survives any linear map (a line does; a circle under unequal scales does not).
     bool keepsShapeUnderAnyMap = false;
+    // Its points in the other order draw the same shape while it is open (a line, a polyline):
+    // what tells a duplicate drawn the other way round.
+    bool reversible = false;
     // Rewrites the entity (own tags [from, to), detached) where a block reference shows it; null
     // when the kind cannot be placed.
     Result<void> (*place)(TagList& tags, std::size_t from, std::size_t to, const Placement& p) = nullptr;

@@ -10,6 +10,7 @@ const EntityKindOps kLine{
     .kind = EntityKind::Line,
     .geometrySubclass = "AcDbLine",
     .keepsShapeUnderAnyMap = true,
+    .reversible = true,
     .place = placeWcsPointsAndNormal,
 };
 

@@ -116,6 +116,7 @@ const EntityKindOps kLwPolyline{
     .geometrySubclass = "AcDbPolyline",
     .properties = kProperties,
     .closedFlag = ClosedFlag{"AcDbPolyline", gc::kFlags, 1},
+    .reversible = true,
     .place = place,
     .vertices = vertices,
     .setVertices = setVertices,
