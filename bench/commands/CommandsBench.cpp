@@ -47,8 +47,16 @@ const std::vector<Typed> kSelectCommands = {
     {"VELTARN_SEL_NULL 1", L"VELTARN_SEL_NULL 1\n\n", 0},
     {"VELTARN_SEL_CLASSIFIED 1", L"VELTARN_SEL_CLASSIFIED 1\n\n", 0},
     {"VELTARN_ASSERT 1", L"VELTARN_ASSERT 1\n\n", 5e5},
+    {"VELTARN_STAT", L"VELTARN_STAT\n\n", 500000},
     {"VELTARN_SORT", L"VELTARN_SORT\n\n", 333334},
     {"VELTARN_REMOVE_ALL", L"VELTARN_REMOVE_ALL\n\n", 0},
+};
+
+// Over a drawing without object data where every tenth entity is a copy of the one before: both
+// under 2 seconds for 1,000,000 entities. The tolerance is asked first; then all of model space.
+const std::vector<Typed> kDuplicateCommands = {
+    {"VELTARN_SEL_DUPLICATES", L"VELTARN_SEL_DUPLICATES\n\n\n", 500000},
+    {"VELTARN_DEL_DUPLICATES", L"VELTARN_DEL_DUPLICATES\n\n\n", 500000},
 };
 
 // Over a drawing without object data: one class given to every object by name, taken back, then
@@ -197,13 +205,16 @@ int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     benchmark::Initialize(&argc, argv);
     if (argc != 3 && argc != 4) {
-        std::fprintf(stderr, "usage: commands_bench DRAWING CLASSIFIER [AUTO_CLASSIFIER] [benchmark options]\n"
-                             "  with AUTO_CLASSIFIER the drawing is one without data, to be classified\n");
+        std::fprintf(stderr, "usage: commands_bench DRAWING CLASSIFIER [AUTO_CLASSIFIER | --duplicates] [benchmark options]\n"
+                             "  with AUTO_CLASSIFIER the drawing is one without data, to be classified;\n"
+                             "  with --duplicates one without data whose duplicates are to be found\n");
         return 2;
     }
     const fs::path drawing = argv[1], classifier = fs::absolute(argv[2]);
-    const std::vector<Typed> commands =
-        argc == 4 ? classifyCommands(host::fromUtf8(fs::absolute(argv[3]).string())) : kSelectCommands;
+    const bool duplicates = argc == 4 && std::string(argv[3]) == "--duplicates";
+    const std::vector<Typed> commands = duplicates ? kDuplicateCommands
+                                        : argc == 4 ? classifyCommands(host::fromUtf8(fs::absolute(argv[3]).string()))
+                                                    : kSelectCommands;
     // The user's own settings are neither read nor changed.
     const fs::path scratch = fs::temp_directory_path() / ("veltarn_commands_bench_" + std::to_string(::getpid()));
     {

@@ -23,6 +23,8 @@ Options:
                    empty key, so that value checks have something to find (default 0)
   --one-record     one record for every entity that has data (by default every seventh has two)
   --classifier F   also write the classifier that defines the tables' classes, lists and ranges
+  --duplicates F   the share (below 1) of entities that are copies of the entity before them,
+                   for drawings without object data (--data none)
   --faulty-list F  also write the handles of the entities with a faulty record, one a line
 
 Object data: the named objects dictionary holds "ODEMUDATA" with one table-definition xrecord
@@ -293,9 +295,14 @@ def main(argv):
     parser.add_argument("--one-record", action="store_true")
     parser.add_argument("--classifier")
     parser.add_argument("--faulty-list")
+    parser.add_argument("--duplicates", type=float, default=0.0)
     args = parser.parse_args(argv)
     if args.count < 0 or args.layers < 1 or args.tables < 1 or not 0 <= args.faulty <= 1:
         parser.error("COUNT must not be negative, --layers and --tables at least 1, --faulty between 0 and 1")
+    if not 0 <= args.duplicates < 1 or (args.duplicates and args.data != "none"):
+        parser.error("--duplicates is a share below 1, for drawings without object data")
+    # Every k-th entity is a copy of the one before it: same kind, layer and geometry.
+    copy_every = round(1 / args.duplicates) if args.duplicates else 0
 
     ezdxf.options.write_fixed_meta_data_for_testing = True  # no time stamps or random GUIDs
     rng = random.Random(args.seed)
@@ -312,6 +319,11 @@ def main(argv):
     entities = []
     faulty_handles = []
     for i in range(args.count):
+        if copy_every and i % copy_every == copy_every - 1 and entities:
+            twin = entities[-1].copy()
+            msp.add_entity(twin)
+            entities.append(twin)
+            continue
         attribs = {"layer": f"LAYER_{i % args.layers:02d}"}
         if i % 5 == 1:
             attribs["color"] = i % 255 + 1
