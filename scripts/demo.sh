@@ -22,6 +22,25 @@ echo "== veltarn examples/utility-survey.dxf --script examples/check.scr"
 # "Selected: N" ends no line, as at a CAD command line: the next prompt follows on the same one.
 "$build/bin/veltarn" examples/utility-survey.dxf --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/'
 
+# Putting the drawing in order: objects classified by name and automatically, a layer changed by
+# hand and restored, the draw order sorted by priority, the statistics, a classifier template.
+ordered="$out/utility-survey-ordered.dxf"
+rm -f "$out/template.txt"
+echo "== veltarn examples/utility-survey.dxf --script examples/order.scr --command 'VELTARN_TEMPLATE ...' --save-as $ordered"
+"$build/bin/veltarn" examples/utility-survey.dxf --script examples/order.scr \
+  --command "VELTARN_TEMPLATE\n\n\n$out/template.txt\n" --save-as "$ordered" | sed 's/Selected: [0-9]*/&\n/'
+
+echo "== the saved drawing checked again: veltarn $ordered --script examples/check.scr"
+# One line per check: the command, the answers to its prompts, and what it selected.
+"$build/bin/veltarn" "$ordered" --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/' | awk '
+  /^Command: VELTARN_(SEL|ASSERT)/ { line = substr($0, 10); next }
+  line != "" && /^(Object|Use|Match|Check)[^:]*: / { sub(/^[^:]*(<[^>]*>)?: /, ""); line = line " " $0; next }
+  line != "" && /^Selected: / { printf "%-36s %s\n", line, $0; line = "" }'
+
+echo "== the template written from the drawing, its comment marks removed, read back: --check-classifier"
+sed 's/^#//' "$out/template.txt" > "$out/template-uncommented.txt"
+"$build/bin/veltarn" "$ordered" --check-classifier "$out/template-uncommented.txt" | tail -n 1
+
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
 
