@@ -159,3 +159,62 @@ TEST_F(Program, AnR12DrawingGivenTheTableDictionaryIsSavedAs2018ThatAnotherReade
 }
 
 }  // namespace
+
+namespace {
+
+// A template written from the example drawing is a classifier once its comment marks go: its
+// resource lines name the drawing itself, its definitions the objects' own properties.
+TEST_F(Program, TemplateOfTheExampleReadsBackAsAClassifierWithoutItsCommentMarks) {
+    const std::string example = VELTARN_SOURCE_DIR "/examples/utility-survey.dxf";
+    fs::copy_file(example, dir_ / "survey.dxf");
+    const Outcome refused = veltarn("survey.dxf --command " + quote("VELTARN_TEMPLATE\\n\\n%L_%t\\n"));
+    EXPECT_NE(refused.out.find("Error: invalid format (%T/%t, %i are required).\n"), std::string::npos) << refused.out;
+
+    const Outcome written = veltarn("survey.dxf --command " + quote("VELTARN_TEMPLATE\\n\\n%T-%l-%i\\ntemplate.txt\\n"));
+    ASSERT_EQ(written.exitCode, 0) << written.err;
+    // Objects that look alike (the spot-level points, the level texts) give one definition.
+    EXPECT_NE(written.out.find("Completed: "), std::string::npos) << written.out;
+    const std::string text = readAll(dir_ / "template.txt");
+    EXPECT_EQ(text.rfind("#BlockReference\t", 0), 0u) << text.substr(0, 200);
+    EXPECT_NE(text.find("Class\tCircle\t1\n\nobj_name\tCircle-sv_sewer-1\t1\t5000"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n#od_name\tRoad\n#\tod_fld\tid\tdescription\tCharacter\n"), std::string::npos) << text;
+
+    std::string uncommented;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) uncommented += (line.rfind('#', 0) == 0 ? line.substr(1) : line) + "\n";
+    std::ofstream(dir_ / "classifier.txt", std::ios::binary) << uncommented;
+    const Outcome checked = veltarn("survey.dxf --check-classifier classifier.txt");
+    EXPECT_EQ(checked.exitCode, 0) << checked.out << checked.err;
+    EXPECT_EQ(checked.out.find("error"), std::string::npos) << checked.out;
+}
+
+// Rounding changes only the reals of tables the classifier knows, and says how many objects it
+// changed of how many it looked at; the statistics count what the selection commands select.
+TEST_F(Program, RoundAndStatisticsOverTheSelectionDrawing) {
+    const std::string cases = VELTARN_SOURCE_DIR "/tests/e2e/cases/";
+    fs::copy_file(cases + "selection.in.dxf", dir_ / "d.dxf");
+    fs::copy_file(cases + "selection.classes.txt", dir_ / "classes.txt");
+    const std::string load = "VELTARN_LOAD\\nclasses.txt\\n";
+    const Outcome run = veltarn("d.dxf --command " + quote(load + "VELTARN_ROUND\\n1\\n\\nVELTARN_ROUND 40\\n\\nVELTARN_STAT\\n\\n") +
+                                " --save-as out.dxf");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    // LUPREC 4 at first; 40 is clamped to 15, which changes nothing more.
+    EXPECT_NE(run.out.find("Decimals<4>: 1\nSelect objects: \nCompleted: 6/16\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("Decimals<1>: 40\nSelect objects: \nCompleted: 0/16\n"), std::string::npos) << run.out;
+    for (const char* line : {"Objects                                   16\n", "  Roads                                    4\n",
+                             "  Illegal values                           4\n", "  Empty required values                    1\n",
+                             "  Unclassified (no data)                   5\n", "  Foreign (data of no known class)         3\n"})
+        EXPECT_NE(run.out.find(line), std::string::npos) << line << run.out;
+
+    ASSERT_EQ(veltarn::testtools::missingEzdxf(), "");
+    const std::string check = "/usr/bin/python3 -c \"import ezdxf; d = ezdxf.readfile('" + (dir_ / "out.dxf").string() +
+                              "'); x = d.entitydb['A2'].get_extension_dict()['ROADS']; print([t.value for t in x.tags])\"";
+    FILE* pipe = ::popen(check.c_str(), "r");
+    char line[256] = {};
+    const bool read = std::fgets(line, sizeof line, pipe) != nullptr;
+    ::pclose(pipe);
+    EXPECT_TRUE(read);
+    EXPECT_STREQ(line, "['Roads', 61.0, 2]\n");
+}
+
+}  // namespace
