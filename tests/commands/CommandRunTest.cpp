@@ -6,8 +6,10 @@
 #include <map>
 
 #include "CommandTestSupport.h"
+#include "ExternalTools.h"
 #include "ScratchFiles.h"
 #include "cad/db/EntityFactory.h"
+#include "cad/db/Handle.h"
 #include "cad/db/SymbolTables.h"
 #include "cad/session/WorkbenchSession.h"
 #include "commands/EntityRecords.h"
@@ -388,6 +390,75 @@ TEST_F(CommandRun, LoadAndReloadHandTheClassifierToThePagesAndKeepTheListsApart)
     moduleState().classifierPath.clear();
     EXPECT_EQ(type(L"VELTARN_RELOAD\n"), L"Command: VELTARN_RELOAD\n");
     EXPECT_EQ(log, std::vector<std::wstring>{});
+}
+
+}  // namespace
+}  // namespace veltarn
+
+namespace veltarn {
+namespace {
+
+// The layer an entity of the fixture is on.
+std::wstring layerOf(host::Database& db, ObjectId id) { return db.openEntity(id, host::OpenMode::kRead)->layer(); }
+
+TEST_F(CommandRun, ClassifyGivesPropertiesAndARecordPerTableAndLeavesValidDataAlone) {
+    // A circle is no type of Road's: skipped, and not selected afterwards.
+    setPickFirst({"plain", "roadOnZero", "circle"});
+    const std::wstring printed = type(L"VELTARN_CLASSIFY\nRoad\n1\n1\n0\n\n");
+    EXPECT_NE(printed.find(L"Completed: 2\n"), std::wstring::npos) << host::toUtf8(printed);
+    EXPECT_EQ(pickFirst(), names({"plain", "roadOnZero"}));
+    EXPECT_EQ(layerOf(drawing(), ids_.at("roadOnZero")), L"Roads");
+    EXPECT_EQ(recordsOf("roadOnZero"), std::vector<std::wstring>{L"ROADS Road"}) << "valid data is not attached twice";
+
+    // The new record: the key from its template, every other field its default, else empty.
+    EntityRecords reader(drawing());
+    const std::vector<ObjectDataRecord>& records = reader.read(ids_.at("plain"));
+    ASSERT_EQ(records.size(), 1u);
+    std::wstring values;
+    for (const FieldValue& value : records[0].fields) values += value.name() + L"=" + value.displayText() + L" ";
+    EXPECT_EQ(values, L"ID=Road WIDTH=5.0 SURFACE=Asphalt REF=r NOTE= ");
+
+    // One step of the undo takes both the properties and the data back.
+    type(L"U\n");
+    EXPECT_EQ(layerOf(drawing(), ids_.at("roadOnZero")), L"0");
+    EXPECT_TRUE(recordsOf("plain").empty());
+}
+
+TEST_F(CommandRun, RestoreInTheDefaultModeKeepsAnAllowedSecondLayerAndInModeAllTakesTheFirst) {
+    std::string classes = kClasses;
+    classes.replace(classes.find("||obj_prop|layer|Roads"), 22, "||obj_prop|layer|Roads|0");
+    test::writeClassifier(folder_ / "two-layers.txt", classes);
+    moduleState().classifier = test::readClassifier(folder_ / "two-layers.txt");
+
+    EXPECT_NE(type(L"VELTARN_RESTORE\n\n1\n\n").find(L"Mode [0 (all)/1 (default)]<0>: 1"), std::wstring::npos);
+    EXPECT_EQ(layerOf(drawing(), ids_.at("roadOnZero")), L"0");
+    // Objects without data of a known class are not counted; locked and hidden ones not gathered.
+    const std::wstring printed = type(L"VELTARN_RESTORE\n\n0\n\n");
+    EXPECT_NE(printed.find(L"Mode [0 (all)/1 (default)]<1>: 0"), std::wstring::npos) << host::toUtf8(printed);
+    EXPECT_NE(printed.find(L"Completed: 9/13\n"), std::wstring::npos) << host::toUtf8(printed);
+    EXPECT_EQ(layerOf(drawing(), ids_.at("roadOnZero")), L"Roads");
+}
+
+TEST_F(CommandRun, SortDrawsHigherPrioritiesOverLowerAsAnotherReaderSeesIt) {
+    EXPECT_NE(type(L"VELTARN_SORT\n\n").find(L"Regenerating model."), std::wstring::npos);
+    ASSERT_TRUE(session_.save(folder_ / "sorted.dxf").ok());
+    // Road is numbered 10, Footpath 5: "both" carries both and takes 10; "plain" has no class.
+    std::string order;
+    ASSERT_EQ(testtools::runPython("-c \"import sys, ezdxf; from ezdxf import reorder; "
+                                   "msp = ezdxf.readfile(sys.argv[1]).modelspace(); "
+                                   "print(' '.join(e.dxf.handle for e in reorder.ascending(msp, msp.get_redraw_order())))\" " +
+                                       testtools::quoted((folder_ / "sorted.dxf").string()),
+                                   &order),
+              0)
+        << order;
+    auto at = [&](const char* name) { return order.find(" " + db::formatHandle(ids_.at(name).handle) + " "); };
+    order = " " + order.substr(0, order.find('\n')) + " ";
+    EXPECT_LT(at("plain"), at("footpath")) << order;
+    EXPECT_LT(at("footpath"), at("both")) << order;
+    EXPECT_LT(at("footpath"), at("road")) << order;
+    const std::optional<host::VariableValue> sortents = session_.host().systemVariables().get(L"SORTENTS");
+    ASSERT_TRUE(sortents);
+    EXPECT_EQ(sortents->integer & 127, 127);
 }
 
 }  // namespace
