@@ -35,14 +35,10 @@ void assertCommand(CommandContext& context) {
 
 void typeCommand(CommandContext& context) {
     host::Host& host = context.host;
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered =
+        gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
+    if (!gathered) return;
+    CandidateList& list = *gathered;
 
     // Alphabetical without regard to case: "MLeader", "Mline", "MPolygon", "MText".
     auto alphabetical = [](std::wstring_view a, std::wstring_view b) {

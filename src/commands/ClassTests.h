@@ -2,6 +2,8 @@
 // the drawing, the lookups, the object-data test and the reader of each object's records.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -33,6 +35,23 @@ public:
     bool propertiesHold(host::ObjectId entity, const ClassDef& def) {
         std::unique_ptr<host::DbEntity> open = db_.openEntity(entity, host::OpenMode::kRead);
         return open && propertyTestHolds(*open, def);
+    }
+
+    // Among the classes of `records` that `eligible` accepts (all when it is empty), the one with
+    // the greatest number; on equal numbers the first met. Numbers at or below -2147483647 are
+    // never chosen: that is where the search starts. Null when none is.
+    const ClassDef* highestClass(const std::vector<ObjectDataRecord>& records,
+                                 const std::function<bool(const ClassDef&)>& eligible = {}) const {
+        const ClassDef* chosen = nullptr;
+        std::int64_t best = -2147483647;
+        for (const ObjectDataRecord& record : records) {
+            const ClassDef* def = index_.classOfRecord(record);
+            if (def && (!eligible || eligible(*def)) && def->number > best) {
+                best = def->number;
+                chosen = def;
+            }
+        }
+        return chosen;
     }
 
     // Whether the class's tables agree with the drawing's definitions of the same names (a table

@@ -74,12 +74,9 @@ void classifyCommand(CommandContext& context) {
     if (!shown.assignGraphicalProperties && !shown.attachObjectData) return;
 
     // Never all of model space: classifying everything by accident is too easy.
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered = gatherCandidates(host, std::move(list), WhenNothingPicked::kPromptOnly);
+    if (!gathered) return;
+    list = std::move(*gathered);
 
     host::Database& db = *host.workingDatabase();
     ClassTests tests(db, *state.classifier);
@@ -147,15 +144,7 @@ void classifyAutoCommand(CommandContext& context) {
         // Each object takes the class of its own data with the greatest number.
         for (std::size_t i = 0; i < list.size();) {
             const host::ObjectId id = list[i];
-            const ClassDef* chosen = nullptr;
-            std::int64_t best = -2147483647;
-            for (const ObjectDataRecord& record : tests.records(id)) {
-                const ClassDef* def = tests.index().classOfRecord(record);
-                if (def && eligible(*def) && def->number > best) {
-                    best = def->number;
-                    chosen = def;
-                }
-            }
+            const ClassDef* chosen = tests.highestClass(tests.records(id), eligible);
             if (!chosen) {
                 ++i;
                 continue;

@@ -34,15 +34,7 @@ bool askTolerance(host::Editor& editor, double& tolerance) {
 
 // The objects as VELTARN_ASSERT gathers them; nullopt when the command ends here.
 std::optional<CandidateList> gather(host::Host& host) {
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return std::nullopt;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return std::nullopt;
-    }
-    FilterUsable(host, list);
-    return list;
+    return gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
 }
 
 // A record set as one text: tables (any case) and typed values, record order left aside, so that

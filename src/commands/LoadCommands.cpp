@@ -78,14 +78,13 @@ void reloadCommand(CommandContext& context) {
 
 void removeCommand(CommandContext& context) {
     host::Host& host = context.host;
-    CandidateList list = GetImpliedSelection(host);
+    CandidateList picked = GetImpliedSelection(host);
     const std::optional<std::wstring> name = askClassName(host.editor(), kNameLength);
     if (!name) return;
     // No fallback to model space here: stripping data off every object by accident is too easy.
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (!list.empty()) {
-        FilterUsable(host, list);
-    }
+    std::optional<CandidateList> gathered = gatherCandidates(host, std::move(picked), WhenNothingPicked::kPromptOnly);
+    if (!gathered) return;
+    const CandidateList& list = *gathered;
     if (list.empty()) {
         host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
         return;
@@ -106,16 +105,11 @@ void removeCommand(CommandContext& context) {
 
 void removeAllCommand(CommandContext& context) {
     host::Host& host = context.host;
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered =
+        gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
     // Nothing left after the filters ends the command without a word, on purpose.
-    if (list.empty()) return;
+    if (!gathered || gathered->empty()) return;
+    const CandidateList& list = *gathered;
 
     host::Database& db = *host.workingDatabase();
     int count = 0;

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "host/LowerCase.h"
+#include "res/StringTable.h"
 
 namespace veltarn {
 namespace {
@@ -86,6 +87,18 @@ void FilterOpenable(host::Host& host, CandidateList& list, const EntityAcceptanc
         }
         ++i;
     }
+}
+
+std::optional<CandidateList> gatherCandidates(host::Host& host, CandidateList picked, WhenNothingPicked how) {
+    CandidateList list = std::move(picked);
+    if (list.empty() && how != WhenNothingPicked::kModelSpace && !PromptSelection(host, list)) return std::nullopt;
+    if (list.empty() && how != WhenNothingPicked::kPromptOnly) list = CollectModelSpace(host);
+    if (list.empty()) {
+        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
+        return std::nullopt;
+    }
+    FilterUsable(host, list);
+    return list;
 }
 
 void SetPickFirst(host::Host& host, const CandidateList& list) {

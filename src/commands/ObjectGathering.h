@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "host/DbEntity.h"
@@ -37,6 +38,19 @@ void FilterOpenable(host::Host& host, CandidateList& list, const EntityAcceptanc
 // FilterUsableLayers and FilterOpenable in one pass over the list, each entity opened once: what
 // the commands run, as the two filters in a row would open every entity twice.
 void FilterUsable(host::Host& host, CandidateList& list, const EntityAcceptance& accept = {});
+
+// Where the objects come from when nothing was picked first.
+enum class WhenNothingPicked {
+    kModelSpace,            // straight to all of model space, without asking
+    kPromptThenModelSpace,  // ask; all of model space when the user picks nothing
+    kPromptOnly,            // ask; nothing picked is nothing to work on
+};
+
+// The objects most commands work on: `picked` (the pick-first set, taken by the caller before its
+// prompts), else per `how`; then FilterUsable. nullopt when the user cancelled the selection, and,
+// after "Error: no objects selected.\n", when there was nothing to gather. The list the filter
+// leaves may be empty: each command says what that means.
+std::optional<CandidateList> gatherCandidates(host::Host& host, CandidateList picked, WhenNothingPicked how);
 
 // Makes `list` the pick-first set; an empty list leaves nothing selected.
 void SetPickFirst(host::Host& host, const CandidateList& list);

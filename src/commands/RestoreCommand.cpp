@@ -50,10 +50,9 @@ void restoreCommand(CommandContext& context) {
             host.editor().print(loadString(StringId::kErrorUnableToLoadObjectDependencies));
             return;
         }
-        if (list.empty() && !PromptSelection(host, list)) return;
-        if (!list.empty()) {
-            FilterUsable(host, list);
-        }
+        std::optional<CandidateList> gathered = gatherCandidates(host, std::move(list), WhenNothingPicked::kPromptOnly);
+        if (!gathered) return;
+        list = std::move(*gathered);
         if (list.empty()) {
             host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
             return;
@@ -81,15 +80,7 @@ void restoreCommand(CommandContext& context) {
     int count = 0;
     for (host::ObjectId id : list) {
         // The class of the object's own data with the greatest number; the first met on a tie.
-        const ClassDef* chosen = nullptr;
-        std::int64_t best = -2147483647;
-        for (const ObjectDataRecord& record : tests.records(id)) {
-            const ClassDef* def = tests.index().classOfRecord(record);
-            if (def && def->number > best) {
-                best = def->number;
-                chosen = def;
-            }
-        }
+        const ClassDef* chosen = tests.highestClass(tests.records(id));
         if (!chosen) continue;
         application.assignProperties(id, *chosen, mode);
         ++count;

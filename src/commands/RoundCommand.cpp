@@ -60,14 +60,10 @@ void roundCommand(CommandContext& context) {
         return;
     if (!answer.empty()) decimals = std::clamp(host::wtoi(answer), 0, kMaxDecimals);
 
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered =
+        gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
+    if (!gathered) return;
+    CandidateList& list = *gathered;
 
     ClassTests tests(*host.workingDatabase(), *context.state.classifier);
     int changed = 0;

@@ -6,16 +6,8 @@
 namespace veltarn {
 
 std::optional<CandidateList> gatherForSelection(host::Host& host, WhenNothingPicked how) {
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && how == WhenNothingPicked::kPromptThenModelSpace && !PromptSelection(host, list))
-        return std::nullopt;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return std::nullopt;
-    }
-    FilterUsable(host, list);
-    if (list.empty()) {
+    std::optional<CandidateList> list = gatherCandidates(host, GetImpliedSelection(host), how);
+    if (list && list->empty()) {
         // The pick-first set is left as it was: nothing was tested.
         host.editor().print(host::format(loadString(StringId::kSelectedCount), 0));
         return std::nullopt;

@@ -9,11 +9,6 @@
 
 namespace veltarn {
 
-enum class WhenNothingPicked {
-    kModelSpace,              // straight to all of model space
-    kPromptThenModelSpace,    // ask the user first; all of model space when they pick nothing
-};
-
 // The pick-first set, else per `how`; then the layer and openable filters. Prints "Error: no
 // objects selected.\n" when there is nothing to gather and "Selected: 0" when the filters leave
 // nothing; nullopt then, and when the user cancelled.

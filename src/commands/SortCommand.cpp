@@ -24,14 +24,10 @@ void raiseSortents(host::SystemVariables& variables) {
 
 void sortCommand(CommandContext& context) {
     host::Host& host = context.host;
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered =
+        gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
+    if (!gathered) return;
+    CandidateList& list = *gathered;
     if (list.empty()) return;
     raiseSortents(host.systemVariables());
 

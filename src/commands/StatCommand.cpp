@@ -85,14 +85,10 @@ private:
 
 void statCommand(CommandContext& context) {
     host::Host& host = context.host;
-    CandidateList list = GetImpliedSelection(host);
-    if (list.empty() && !PromptSelection(host, list)) return;
-    if (list.empty()) list = CollectModelSpace(host);
-    if (list.empty()) {
-        host.editor().print(loadString(StringId::kErrorNoObjectsSelected));
-        return;
-    }
-    FilterUsable(host, list);
+    std::optional<CandidateList> gathered =
+        gatherCandidates(host, GetImpliedSelection(host), WhenNothingPicked::kPromptThenModelSpace);
+    if (!gathered) return;
+    CandidateList& list = *gathered;
 
     const Classifier& classifier = *context.state.classifier;
     ClassTests tests(*host.workingDatabase(), classifier);
