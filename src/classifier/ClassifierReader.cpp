@@ -1,5 +1,7 @@
 #include "classifier/ClassifierReader.h"
 
+#include "classifier/ClassResources.h"
+
 #include "classifier/ClassifierLines.h"
 #include "classifier/MacroTable.h"
 #include "classifier/PropertyKeywords.h"
@@ -550,23 +552,9 @@ bool Run::importResources() {
         if (name.empty() || !seen.emplace(kind, host::toLower(name)).second) return;
         if (!drawing_->hasResource(kind, name)) missing[kind].push_back(name);
     };
-    auto needFirst = [&](ResourceKind kind, const Property<std::wstring>& property) {
-        if (property.isSet()) need(kind, property.value());
-    };
-    for (const auto& [key, def] : classifier_.objects()) {
-        const ObjectProperties& p = def.properties;
-        needFirst(ResourceKind::Block, p.blockName);
-        needFirst(ResourceKind::DimensionStyle, p.dimensionStyle);
-        // Extra layer names are the layers the class may also be on; "*" means any layer.
-        for (const auto& layer : p.layer.entries()) {
-            if (layer && *layer != L"*") need(ResourceKind::Layer, *layer);
-        }
-        needFirst(ResourceKind::Linetype, p.linetype);
-        needFirst(ResourceKind::MleaderStyle, p.mleaderStyle);
-        needFirst(ResourceKind::MlineStyle, p.mlineStyle);
-        needFirst(ResourceKind::Pattern, p.pattern);
-        needFirst(ResourceKind::TextStyle, p.textStyle);
-    }
+    for (const auto& [key, def] : classifier_.objects())
+        for (const auto& [kind, names] : classResourceNames(def))
+            for (const std::wstring& name : names) need(kind, name);
 
     ResourceNames lowerMissing;
     for (const auto& [kind, names] : missing) {
