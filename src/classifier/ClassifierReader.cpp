@@ -1,7 +1,6 @@
 #include "classifier/ClassifierReader.h"
 
 #include "classifier/ClassResources.h"
-
 #include "classifier/ClassifierLines.h"
 #include "classifier/MacroTable.h"
 #include "classifier/PropertyKeywords.h"
