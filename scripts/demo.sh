@@ -22,6 +22,18 @@ echo "== veltarn examples/utility-survey.dxf --script examples/check.scr"
 # "Selected: N" ends no line, as at a CAD command line: the next prompt follows on the same one.
 "$build/bin/veltarn" examples/utility-survey.dxf --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/'
 
+echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
+"$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
+
+echo "== veltarn examples/survey.dxf --save-as $out/survey.dxf"
+"$build/bin/veltarn" examples/survey.dxf --save-as "$out/survey.dxf"
+if cmp -s examples/survey.dxf "$out/survey.dxf"; then
+  echo "round trip: identical ($(wc -c < "$out/survey.dxf") bytes)"
+else
+  echo "round trip: the written drawing differs from the example" >&2
+  exit 1
+fi
+
 # Putting the drawing in order: objects classified by name and automatically, a layer changed by
 # hand and restored, the draw order sorted by priority, the statistics, a classifier template.
 ordered="$out/utility-survey-ordered.dxf"
@@ -40,15 +52,5 @@ echo "== the saved drawing checked again: veltarn $ordered --script examples/che
 echo "== the template written from the drawing, its comment marks removed, read back: --check-classifier"
 sed 's/^#//' "$out/template.txt" > "$out/template-uncommented.txt"
 "$build/bin/veltarn" "$ordered" --check-classifier "$out/template-uncommented.txt" | tail -n 1
-
-echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
-"$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
-
-echo "== veltarn examples/survey.dxf --save-as $out/survey.dxf"
-"$build/bin/veltarn" examples/survey.dxf --save-as "$out/survey.dxf"
-if cmp -s examples/survey.dxf "$out/survey.dxf"; then
-  echo "round trip: identical ($(wc -c < "$out/survey.dxf") bytes)"
-else
-  echo "round trip: the written drawing differs from the example" >&2
-  exit 1
-fi
+echo "== the template's first definitions ($out/template.txt)"
+sed -n '/^Class\t/,/^\/Class/p' "$out/template.txt" | head -n 24
