@@ -418,6 +418,19 @@ TEST_F(CommandRun, ClassifyGivesPropertiesAndARecordPerTableAndLeavesValidDataAl
     for (const FieldValue& value : records[0].fields) values += value.name() + L"=" + value.displayText() + L" ";
     EXPECT_EQ(values, L"ID=Road WIDTH=5.0 SURFACE=Asphalt REF=r NOTE= ");
 
+    // Another reader sees the class on the object: its layer, and the record in its extension
+    // dictionary under the table's name.
+    ASSERT_TRUE(session_.save(folder_ / "classified.dxf").ok());
+    std::string seen;
+    ASSERT_EQ(testtools::runPython("-c \"import sys, ezdxf; e = ezdxf.readfile(sys.argv[1]).entitydb[sys.argv[2]]; "
+                                   "x = e.get_extension_dict()['ROADS']; print(e.dxf.layer, [t.value for t in x.tags])\" " +
+                                       testtools::quoted((folder_ / "classified.dxf").string()) + " " +
+                                       db::formatHandle(ids_.at("roadOnZero").handle),
+                                   &seen),
+              0)
+        << seen;
+    EXPECT_EQ(seen, "Roads ['Road', 5.0, 'Asphalt', 'r', 'x']\n");
+
     // One step of the undo takes both the properties and the data back.
     type(L"U\n");
     EXPECT_EQ(layerOf(drawing(), ids_.at("roadOnZero")), L"0");
