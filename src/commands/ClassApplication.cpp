@@ -175,12 +175,16 @@ bool ClassApplication::attachData(host::ObjectId entity, const ClassDef& def) {
             types.push_back(field.type);
         }
         // An existing definition is never replaced (20); the reader has checked that it agrees.
-        const int defined = createTableDefinition(*db, table.name, record, documents);
-        if (defined != kOdOk && defined != kOdTableExists) {
-            written = false;
-            continue;
+        // Asked once per table and run: asking opens the drawing's data dictionary for write.
+        if (!knownTables_.contains(host::toLower(table.name))) {
+            const int defined = createTableDefinition(*db, table.name, record, documents);
+            if (defined != kOdOk && defined != kOdTableExists) {
+                written = false;
+                continue;
+            }
+            if (defined == kOdOk) ++tablesDefined_;
+            knownTables_.insert(host::toLower(table.name));
         }
-        if (defined == kOdOk) ++tablesDefined_;
         try {
             if (ObjectData::append(*db, entity, record, types) != kOdOk) written = false;
         } catch (int) {

@@ -56,6 +56,7 @@ private:
     std::unordered_map<const ClassDef*, bool> resourcesLoaded_;
     std::set<std::pair<std::wstring, std::wstring>> reported_;
     int tablesDefined_ = 0;
+    std::set<std::wstring> knownTables_;  // lower-case names the drawing defines, as found this run
 };
 
 }  // namespace veltarn

@@ -1,6 +1,8 @@
 #include "cad/seam/ObjectSelector.h"
 
 #include <algorithm>
+#include <functional>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "cad/db/EntityProperties.h"
@@ -19,16 +21,37 @@ bool isWord(const std::wstring& typed, const wchar_t* shortForm, const wchar_t* 
     return typed == shortForm || typed == longForm;
 }
 
+// Whether an entity's layer has a state, each layer looked up once: "all" of a large drawing asks
+// for the same few layers a million times. An entity on a layer the table lacks has none.
+class LayerStates {
+public:
+    LayerStates(const db::Database& db, std::function<bool(const db::Layer&)> state) : db_(db), state_(std::move(state)) {}
+
+    bool of(db::Handle entity) {
+        std::optional<std::string> name = db::entityLayer(db_, entity);
+        if (!name) name = db::commonProperties(db_.tags(entity)).layer;
+        auto known = byName_.find(*name);
+        if (known == byName_.end()) {
+            auto layer = db::readLayer(db_, *name);
+            known = byName_.emplace(*name, layer && state_(*layer)).first;
+        }
+        return known->second;
+    }
+
+private:
+    const db::Database& db_;
+    std::function<bool(const db::Layer&)> state_;
+    std::unordered_map<std::string, bool> byName_;
+};
+
 }  // namespace
 
 std::vector<db::Handle> ObjectSelector::visibleEntities(const WorkbenchDatabase& drawing) const {
     const db::Database& db = drawing.raw();
     std::vector<db::Handle> out;
-    for (db::Handle h : db.entitiesOf(db.modelSpace())) {
-        auto layer = db::readLayer(db, db::commonProperties(db.tags(h)).layer);
-        if (layer && (layer->off || layer->frozen())) continue;
-        out.push_back(h);
-    }
+    LayerStates hidden(db, [](const db::Layer& layer) { return layer.off || layer.frozen(); });
+    for (db::Handle h : db.entitiesOf(db.modelSpace()))
+        if (!hidden.of(h)) out.push_back(h);
     return out;
 }
 
@@ -83,10 +106,9 @@ PromptStatus ObjectSelector::select(host::SelectionMode mode, std::vector<host::
         PromptStatus cornerStatus = PromptStatus::kNormal;
         if (typed == L"all") {
             // Every entity that is not on a frozen layer, also those on layers turned off.
-            for (db::Handle h : db.entitiesOf(db.modelSpace())) {
-                auto layer = db::readLayer(db, db::commonProperties(db.tags(h)).layer);
-                if (!layer || !layer->frozen()) found.push_back(h);
-            }
+            LayerStates frozen(db, [](const db::Layer& layer) { return layer.frozen(); });
+            for (db::Handle h : db.entitiesOf(db.modelSpace()))
+                if (!frozen.of(h)) found.push_back(h);
         } else if (isWord(typed, L"l", L"last")) {
             const auto visible = visibleEntities(*drawing);
             if (!visible.empty()) found.push_back(visible.back());
