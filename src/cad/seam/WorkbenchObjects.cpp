@@ -127,14 +127,14 @@ class Entity : public Object<host::DbEntity> {
 public:
     using Object::Object;
 
-    host::EntityClass entityClass() const override { return entityClassOf(db().tags(handle_)); }
+    host::EntityClass entityClass() const override { return entityClassOf(tags()); }
     std::wstring dxfName() const override { return wide(db().typeName(handle_)); }
 
     std::optional<host::PropertyValue> property(host::EntityProperty property) const override {
         // Every module command filters its objects by layer: that one is read without decoding.
         if (property == host::EntityProperty::kLayer)
             if (auto layer = db::entityLayer(db(), handle_)) return host::PropertyValue(wide(*layer));
-        return readProperty(db(), db().tags(handle_), property);
+        return readProperty(db(), tags(), property);
     }
 
     bool setProperty(host::EntityProperty property, const host::PropertyValue& value) override {
@@ -145,6 +145,7 @@ public:
         } else if (!writeProperty(db(), tags, property, value)) {
             return false;
         }
+        cached_.reset();
         return db().replace(handle_, tags) == db::OpenStatus::Ok;
     }
 
@@ -165,9 +166,18 @@ public:
         return made;
     }
 
-    std::optional<host::EntityShape> shape() const override { return entityShape(db().tags(handle_)); }
+    std::optional<host::EntityShape> shape() const override { return entityShape(tags()); }
 
 private:
+    // The entity's tags, decoded once while it is open for read: nothing changes it then (a write
+    // open excludes every other), and a property test asks a dozen properties in a row. Open for
+    // write, they are decoded afresh each time.
+    const db::TagList& tags() const {
+        if (openMode() != host::OpenMode::kRead || !cached_) cached_ = db().tags(handle_);
+        return *cached_;
+    }
+    mutable std::optional<db::TagList> cached_;
+
     // A closed polyline becomes the hatch's only, outer loop.
     bool setBoundary(db::TagList& tags, const host::PropertyValue& value) const {
         constexpr int kExternalPolylinePath = 1 | 2;
