@@ -48,8 +48,10 @@ void countObject(ClassTests& tests, host::ObjectId id, Counts& counts) {
         const ClassDef* def = tests.index().classOfRecord(record);
         if (!def) continue;
         known = true;
-        if (tests.objectData().holds(records, *def, ValueCheck::kOff)) holding.insert(def);
-        illegal = illegal || !tests.objectData().holds(records, *def, ValueCheck::kEveryField);
+        // Keys first: a class whose keys fail is illegal without looking at its values.
+        const bool keysHold = tests.objectData().holds(records, *def, ValueCheck::kOff);
+        if (keysHold) holding.insert(def);
+        illegal = illegal || !keysHold || !tests.objectData().holds(records, *def, ValueCheck::kEveryField);
     }
     for (const ClassDef* def : holding) ++counts.classes[def->name];
     counts.foreign += !known;
