@@ -127,16 +127,25 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
     }
     check.tally.read = true;
     // Audited before the classifier imports anything into it, so the findings are the file's.
-    for (const audit::Finding& finding : audit::auditDrawing(read.value()->raw())) {
-        const std::string handle = finding.handle == db::kNoHandle ? "" : db::formatHandle(finding.handle);
-        check.findings.push_back({drawing, handle, "", "", "", "audit-" + finding.code, finding.message, ""});
-        ++check.tally.audit;
-    }
+    const std::vector<audit::Finding> audited = audit::auditDrawing(read.value()->raw());
 
     // The workbench speaks only through the reader here; nothing else is shown.
     seam::WorkbenchHost host([](const std::wstring&) {}, editor::SettingsEnvironment::defaultFile());
     host.openDocument(std::move(read.value()));
     host::Database* db = host.workingDatabase();
+    for (const audit::Finding& finding : audited) {
+        CheckFinding found{drawing, "", "", "", "", "audit-" + finding.code, finding.message, ""};
+        if (finding.handle != db::kNoHandle) {
+            found.handle = db::formatHandle(finding.handle);
+            if (auto entity = db->openEntity(host::ObjectId{finding.handle}, host::OpenMode::kRead)) {
+                found.type = host::toUtf8(entityTypeOf(*entity));
+                found.layer = host::toUtf8(entity->layer());
+            }
+        }
+        check.findings.push_back(std::move(found));
+        ++check.tally.audit;
+    }
+    const std::vector<host::ObjectId> objects = db->blockEntities(db->modelSpace());
     std::wstring transcript;
     DrawingResources resources(host, *db);
     ClassifierReader reader([&transcript](const std::wstring& text) { transcript += text; },
@@ -145,11 +154,13 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
     addReaderMessages(transcript, drawing, check.findings);
     if (reader.failed()) {
         check.unreadable = true;
+        check.tally.objects = static_cast<int>(objects.size());
         return check;
     }
 
+    check.tally.checked = true;
     ObjectChecker checker(*db, loaded, check);
-    for (host::ObjectId id : db->blockEntities(db->modelSpace())) checker.check(id);
+    for (host::ObjectId id : objects) checker.check(id);
     return check;
 }
 

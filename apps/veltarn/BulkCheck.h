@@ -17,7 +17,8 @@ struct CheckFinding {
 // foreign (records, none of a known class).
 struct DrawingTally {
     std::string drawing;
-    bool read = false;  // false: the drawing could not be read, and nothing else was counted
+    bool read = false;     // false: the drawing could not be read, and nothing else was counted
+    bool checked = false;  // false: the classifier could not be read against it; only objects and audit counted
     int objects = 0, valid = 0, faulty = 0, unclassified = 0, foreign = 0, audit = 0;
 };
 

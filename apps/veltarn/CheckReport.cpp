@@ -97,7 +97,7 @@ std::string summaryTable(const std::vector<DrawingTally>& tallies) {
         total.foreign += tally.foreign;
         total.audit += tally.audit;
     }
-    total.read = true;
+    total.read = total.checked = true;
     auto row = [width](const std::string& name, const std::array<std::string, 6>& cells) {
         std::string line = name + std::string(width - name.size(), ' ');
         for (const std::string& cell : cells) line += std::string(cell.size() < 13 ? 13 - cell.size() : 1, ' ') + cell;
@@ -105,6 +105,7 @@ std::string summaryTable(const std::vector<DrawingTally>& tallies) {
     };
     auto cellsOf = [](const DrawingTally& t) -> std::array<std::string, 6> {
         if (!t.read) return {"unreadable", "-", "-", "-", "-", "-"};
+        if (!t.checked) return {std::to_string(t.objects), "-", "-", "-", "-", std::to_string(t.audit)};
         return {std::to_string(t.objects), std::to_string(t.valid), std::to_string(t.faulty),
                 std::to_string(t.unclassified), std::to_string(t.foreign), std::to_string(t.audit)};
     };

@@ -113,6 +113,34 @@ TEST_F(BulkCheck, AJsonLinesReportReadsBackWithAJsonParser) {
     EXPECT_NE(csv.find("\r\n\"a \"\"b\"\", c\\d \xc3\xa9t\xc3\xa9.dxf\","), std::string::npos);
 }
 
+// The drawing's audit findings are findings on their objects; the classifier's messages are
+// findings of the drawing it was read against, and one that cannot be read against a drawing
+// leaves that drawing's objects unchecked, the status 3. The drawings are never written.
+TEST_F(BulkCheck, AuditFindingsAndTheReadersMessagesAreReported) {
+    const fs::path source = VELTARN_SOURCE_DIR;
+    fs::copy_file(source / "tests/cad/audit/data/bad_missing_layer.dxf", dir_ / "ghost.dxf");
+    fs::copy_file(source / "tests/data/data/good_records.dxf", dir_ / "records.dxf");
+    fs::copy_file(source / "tests/e2e/checks/table_mismatch.txt", dir_ / "mismatch.txt");
+    const std::string ghost = readFile(dir_ / "ghost.dxf");
+
+    const ShellRun audited = check("--classifier selection.classes.txt --report out.csv ghost.dxf");
+    EXPECT_EQ(audited.exitCode, 1) << audited.out;
+    EXPECT_NE(readFile(dir_ / "out.csv").find("\r\nghost.dxf,91,Line,GHOST,,audit-missing-layer,"
+                                              "\"LINE 91: layer \"\"GHOST\"\" is not defined\",\r\n"),
+              std::string::npos)
+        << readFile(dir_ / "out.csv");
+    EXPECT_EQ(readFile(dir_ / "ghost.dxf"), ghost);
+
+    const ShellRun mismatch = check("--classifier mismatch.txt --report out.csv records.dxf");
+    EXPECT_EQ(mismatch.exitCode, 3) << mismatch.out;
+    EXPECT_EQ(readFile(dir_ / "out.csv"),
+              "drawing,handle,type,layer,class,code,message,expected\r\n"
+              "records.dxf,,,,,classifier-message,14: error: table 'ROADS' does not match existing definition,\r\n");
+    EXPECT_NE(mismatch.out.find("\nrecords.dxf            4            -            -            -            -            0\n"),
+              std::string::npos)
+        << mismatch.out;
+}
+
 TEST_F(BulkCheck, TheExitStatusTellsCleanFromFaultyFromUnreadable) {
     // A name shorter than the summary's heading.
     generate("c", 30, 0);
