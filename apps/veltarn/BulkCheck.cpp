@@ -116,7 +116,8 @@ private:
 
 }  // namespace
 
-DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier) {
+DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
+                          std::mutex* readingClassifier) {
     DrawingCheck check;
     check.tally.drawing = drawing;
     auto read = seam::WorkbenchDatabase::read(drawing);
@@ -147,10 +148,13 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
     }
     const std::vector<host::ObjectId> objects = db->blockEntities(db->modelSpace());
     std::wstring transcript;
+    std::unique_lock<std::mutex> reading;
+    if (readingClassifier) reading = std::unique_lock<std::mutex>(*readingClassifier);
     DrawingResources resources(host, *db);
     ClassifierReader reader([&transcript](const std::wstring& text) { transcript += text; },
                             &host.systemVariables(), &resources);
     const Classifier loaded = reader.read(host::fromUtf8(classifier.string()));
+    if (reading) reading.unlock();
     addReaderMessages(transcript, drawing, check.findings);
     if (reader.failed()) {
         check.unreadable = true;

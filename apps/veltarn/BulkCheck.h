@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,10 @@ struct DrawingCheck {
 };
 
 // Checks `drawing` against the classifier file `classifier` (which the caller has found to be a
-// readable file). Nothing is written to the drawing.
-DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier);
+// readable file). Nothing is written to the drawing. Drawings may be checked on several threads
+// at once, each with its own workbench; `readingClassifier`, when given, is held while the
+// classifier is read, since reading it brings patterns into the user's own files.
+DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
+                          std::mutex* readingClassifier = nullptr);
 
 }  // namespace veltarn::app

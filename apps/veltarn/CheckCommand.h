@@ -1,4 +1,4 @@
-// veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] DRAWING...
+// veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] DRAWING...
 #pragma once
 
 #include <string>
@@ -13,6 +13,7 @@ struct CheckOptions {
     std::string classifier;
     std::vector<std::string> reports;
     std::vector<std::string> drawings;  // the arguments, then those of the lists, in order
+    unsigned jobs = 0;                  // drawings checked at once; 0: as many as there are cores
 };
 
 struct ParsedCheckOptions {

@@ -141,6 +141,26 @@ TEST_F(BulkCheck, AuditFindingsAndTheReadersMessagesAreReported) {
         << mismatch.out;
 }
 
+// Several workers give what one gives, in the order the drawings were named.
+TEST_F(BulkCheck, WorkersReportInTheOrderTheDrawingsWereGiven) {
+    generate("g", 60, 0.3);
+    std::string drawings;
+    for (const char* name : {"g1.dxf", "s1.dxf", "g2.dxf", "s2.dxf", "g3.dxf"}) {
+        fs::copy_file(dir_ / (name[0] == 'g' ? "g.dxf" : "selection.dxf"), dir_ / name);
+        drawings += std::string(" ") + name;
+    }
+    const ShellRun one = check("--classifier g.txt --jobs 1 --report one.jsonl" + drawings + " missing.dxf");
+    const ShellRun three = check("--classifier g.txt --jobs 3 --report three.jsonl" + drawings + " missing.dxf");
+    EXPECT_EQ(one.exitCode, 3) << one.out;
+    EXPECT_EQ(three.exitCode, 3) << three.out;
+    EXPECT_EQ(three.out, one.out);
+    EXPECT_EQ(readFile(dir_ / "three.jsonl"), readFile(dir_ / "one.jsonl"));
+    const std::size_t g1 = one.out.find("\ng1.dxf "), s2 = one.out.find("\ns2.dxf "), g3 = one.out.find("\ng3.dxf ");
+    EXPECT_TRUE(g1 < s2 && s2 < g3 && g3 < one.out.find("\nmissing.dxf ")) << one.out;
+    for (const char* jobs : {"0", "x", "-1"})
+        EXPECT_EQ(check(std::string("--classifier g.txt --jobs ") + jobs + " g1.dxf").exitCode, 2) << jobs;
+}
+
 TEST_F(BulkCheck, TheExitStatusTellsCleanFromFaultyFromUnreadable) {
     // A name shorter than the summary's heading.
     generate("c", 30, 0);
