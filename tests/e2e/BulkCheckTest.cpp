@@ -141,6 +141,29 @@ TEST_F(BulkCheck, AuditFindingsAndTheReadersMessagesAreReported) {
         << mismatch.out;
 }
 
+// A class stricter about its graphic properties than the drawing: the objects that disagree with
+// it are faulty, with what they have and what the class asks.
+TEST_F(BulkCheck, PropertiesThatDisagreeWithTheClassAreFindings) {
+    std::string classes = readFile(dir_ / "selection.classes.txt");
+    replaceAll(classes, "layer\tLAYER_00\tLAYER_01", "layer\tLAYER_00");
+    replaceAll(classes, "Line,Circle,Arc,Polyline,Text,BlockReference,Point", "Line,Circle,Arc,Text,BlockReference,Point");
+    writeFile(dir_ / "strict.txt", classes);
+    const ShellRun run = check("--classifier strict.txt --report out.csv selection.dxf");
+    EXPECT_EQ(run.exitCode, 1) << run.out;
+    const std::string csv = readFile(dir_ / "out.csv");
+    EXPECT_NE(csv.find("\r\nselection.dxf,C0,Point,LAYER_01,Roads,wrong-property,\"layer: found \"\"LAYER_01\"\"\",LAYER_00\r\n"),
+              std::string::npos)
+        << csv;
+    EXPECT_NE(csv.find("\r\nselection.dxf,A6,Polyline,LAYER_00,Pipes,wrong-entity-type,\"type: found \"\"Polyline\"\"\","
+                       "\"Line, Circle, Arc, Text, BlockReference, Point\"\r\n"),
+              std::string::npos)
+        << csv;
+    // C0 was valid against the case's own classes; now it is faulty.
+    EXPECT_NE(run.out.find("\nselection.dxf           16            2            6            5            3            0\n"),
+              std::string::npos)
+        << run.out;
+}
+
 // Several workers give what one gives, in the order the drawings were named.
 TEST_F(BulkCheck, WorkersReportInTheOrderTheDrawingsWereGiven) {
     generate("g", 60, 0.3);
