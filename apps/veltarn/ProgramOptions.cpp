@@ -86,6 +86,7 @@ std::string usageText() {
            "       veltarn [DRAWING] --check-classifier FILE [--save-as OUT]\n"
            "       veltarn DRAWING --audit\n"
            "       veltarn --recover DRAWING [--save-as OUT]\n"
+           "       veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] DRAWING...\n"
            "\n"
            "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
            "given), runs the scripts and command texts in the order given, then, with --save-as,\n"

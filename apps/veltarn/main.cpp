@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "CheckCommand.h"
 #include "ClassifierCheck.h"
 #include "ProgramInputFeed.h"
 #include "ProgramOptions.h"
@@ -67,6 +68,8 @@ int main(int argc, char** argv) {
     // Names and keywords are lower-cased with towlower under a UTF-8 locale.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (!arguments.empty() && arguments.front() == "check")
+        return app::runCheck(std::vector<std::string>(arguments.begin() + 1, arguments.end()));
     app::ParsedOptions parsed = app::parseProgramOptions(arguments);
     if (!parsed.error.empty()) {
         std::cerr << "veltarn: " << parsed.error << "\n" << app::usageText();

@@ -1,0 +1,171 @@
+#include "BulkCheck.h"
+
+#include <set>
+
+#include "cad/audit/Auditor.h"
+#include "cad/db/Handle.h"
+#include "cad/seam/WorkbenchHost.h"
+#include "classifier/ClassifierReader.h"
+#include "classifier/DrawingResources.h"
+#include "classifier/EntityType.h"
+#include "commands/ClassTests.h"
+#include "host/Utf8.h"
+
+namespace veltarn::app {
+namespace {
+
+// What a fault is about, for a person: "ROADS.WIDTH: found \"-3\"", "layer: found \"0\"".
+std::string faultMessage(const Fault& fault) {
+    std::wstring where = fault.table;
+    if (!fault.field.empty()) where += (where.empty() ? L"" : L".") + fault.field;
+    std::wstring text = where.empty() ? std::wstring(faultCodeName(fault.code)) : where;
+    if (!fault.found.empty() || fault.code == FaultCode::kEmptyValue) text += L": found \"" + fault.found + L"\"";
+    return host::toUtf8(text);
+}
+
+// The reader's transcript, one finding a line.
+void addReaderMessages(const std::wstring& transcript, const std::string& drawing,
+                       std::vector<CheckFinding>& findings) {
+    std::size_t start = 0;
+    while (start < transcript.size()) {
+        std::size_t end = transcript.find(L'\n', start);
+        if (end == std::wstring::npos) end = transcript.size();
+        const std::wstring line = transcript.substr(start, end - start);
+        if (line.find_first_not_of(L" \t\r") != std::wstring::npos)
+            findings.push_back({drawing, "", "", "", "", "classifier-message", host::toUtf8(line), ""});
+        start = end + 1;
+    }
+}
+
+class ObjectChecker {
+public:
+    ObjectChecker(host::Database& db, const Classifier& classifier, DrawingCheck& check)
+        : tests_(db, classifier), check_(check) {}
+
+    void check(host::ObjectId id) {
+        DrawingTally& tally = check_.tally;
+        ++tally.objects;
+        CheckFinding base{tally.drawing, db::formatHandle(id.handle), "", "", "", "", "", ""};
+        std::unique_ptr<host::DbEntity> entity = tests_.db().openEntity(id, host::OpenMode::kRead);
+        if (entity) {
+            base.type = host::toUtf8(entityTypeOf(*entity));
+            base.layer = host::toUtf8(entity->layer());
+        }
+        // Copied: the object-data test reads records through the same cursor.
+        const std::vector<ObjectDataRecord> records = tests_.records(id);
+        if (records.empty()) {
+            ++tally.unclassified;
+            add(base, nullptr, "unclassified", "the object carries no object data", "");
+            return;
+        }
+        const std::size_t before = check_.findings.size();
+        std::vector<const ClassDef*> classes;
+        for (const ObjectDataRecord& record : records) {
+            const ClassDef* def = tests_.index().classOfRecord(record);
+            if (!def) {
+                const bool knownTable = tests_.index().findTable(record.table) != nullptr;
+                add(base, nullptr, "foreign-record",
+                    host::toUtf8(L"record of table " + record.table +
+                                 (knownTable ? L" names no class" : L" that the classifier does not know")),
+                    "");
+                continue;
+            }
+            if (std::find(classes.begin(), classes.end(), def) == classes.end()) classes.push_back(def);
+            emptyRequired(base, record, def);
+        }
+        for (const ClassDef* def : classes) {
+            Faults faults;
+            tests_.objectData().holds(records, *def, ValueCheck::kEveryField, &faults);
+            if (entity) propertyTestHolds(*entity, *def, &faults);
+            for (const Fault& fault : faults)
+                add(base, def, std::string(host::toUtf8(std::wstring(faultCodeName(fault.code)))), faultMessage(fault),
+                    host::toUtf8(fault.expected));
+        }
+        if (classes.empty()) ++tally.foreign;
+        else if (check_.findings.size() == before) ++tally.valid;
+        else ++tally.faulty;
+    }
+
+private:
+    // As VELTARN_SEL_NULL 0 finds them: a text field the classifier requires, left empty.
+    void emptyRequired(const CheckFinding& base, const ObjectDataRecord& record, const ClassDef* def) {
+        const TableDef* table = tests_.index().tableOf(record);
+        if (!table) return;
+        for (const FieldValue& value : record.fields) {
+            if (value.type() != FieldType::Character || !value.text().empty()) continue;
+            const FieldDef* field = table->findField(value.name());
+            if (field && (field->attributes & kAttributeRequired))
+                add(base, def, "empty-required", host::toUtf8(record.table + L"." + value.name() + L" is empty"),
+                    "a value");
+        }
+    }
+
+    void add(const CheckFinding& base, const ClassDef* def, std::string code, std::string message,
+             std::string expected) {
+        CheckFinding finding = base;
+        if (def) finding.className = host::toUtf8(def->name);
+        finding.code = std::move(code);
+        finding.message = std::move(message);
+        finding.expected = std::move(expected);
+        check_.findings.push_back(std::move(finding));
+    }
+
+    ClassTests tests_;
+    DrawingCheck& check_;
+};
+
+}  // namespace
+
+DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
+                          std::mutex* readingClassifier) {
+    DrawingCheck check;
+    check.tally.drawing = drawing;
+    auto read = seam::WorkbenchDatabase::read(drawing);
+    if (!read) {
+        check.unreadable = true;
+        check.findings.push_back({drawing, "", "", "", "", "unreadable-drawing", read.message(), ""});
+        return check;
+    }
+    check.tally.read = true;
+    // Audited before the classifier imports anything into it, so the findings are the file's.
+    const std::vector<audit::Finding> audited = audit::auditDrawing(read.value()->raw());
+
+    // The workbench speaks only through the reader here; nothing else is shown.
+    seam::WorkbenchHost host([](const std::wstring&) {}, editor::SettingsEnvironment::defaultFile());
+    host.openDocument(std::move(read.value()));
+    host::Database* db = host.workingDatabase();
+    for (const audit::Finding& finding : audited) {
+        CheckFinding found{drawing, "", "", "", "", "audit-" + finding.code, finding.message, ""};
+        if (finding.handle != db::kNoHandle) {
+            found.handle = db::formatHandle(finding.handle);
+            if (auto entity = db->openEntity(host::ObjectId{finding.handle}, host::OpenMode::kRead)) {
+                found.type = host::toUtf8(entityTypeOf(*entity));
+                found.layer = host::toUtf8(entity->layer());
+            }
+        }
+        check.findings.push_back(std::move(found));
+        ++check.tally.audit;
+    }
+    const std::vector<host::ObjectId> objects = db->blockEntities(db->modelSpace());
+    std::wstring transcript;
+    std::unique_lock<std::mutex> reading;
+    if (readingClassifier) reading = std::unique_lock<std::mutex>(*readingClassifier);
+    DrawingResources resources(host, *db);
+    ClassifierReader reader([&transcript](const std::wstring& text) { transcript += text; },
+                            &host.systemVariables(), &resources);
+    const Classifier loaded = reader.read(host::fromUtf8(classifier.string()));
+    if (reading) reading.unlock();
+    addReaderMessages(transcript, drawing, check.findings);
+    if (reader.failed()) {
+        check.unreadable = true;
+        check.tally.objects = static_cast<int>(objects.size());
+        return check;
+    }
+
+    check.tally.checked = true;
+    ObjectChecker checker(*db, loaded, check);
+    for (host::ObjectId id : objects) checker.check(id);
+    return check;
+}
+
+}  // namespace veltarn::app

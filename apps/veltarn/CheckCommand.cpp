@@ -1,0 +1,150 @@
+#include "CheckCommand.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <thread>
+
+#include "BulkCheck.h"
+#include "CheckReport.h"
+#include "base/RegularFile.h"
+#include "base/TextFileWrite.h"
+
+namespace veltarn::app {
+
+std::string checkUsageText() {
+    return "usage: veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] DRAWING...\n";
+}
+
+ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) {
+    ParsedCheckOptions parsed;
+    CheckOptions& options = parsed.options;
+    std::vector<std::string> lists;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const bool takesValue = argument == "--classifier" || argument == "--report" || argument == "--from" ||
+                                argument == "--jobs";
+        if (takesValue && i + 1 >= arguments.size()) {
+            parsed.error = argument + " needs a value";
+            return parsed;
+        }
+        if (argument == "--classifier") {
+            if (!options.classifier.empty()) {
+                parsed.error = "only one classifier may be given";
+                return parsed;
+            }
+            options.classifier = arguments[++i];
+        } else if (argument == "--report") {
+            const std::string& path = arguments[++i];
+            if (!reportFormatOf(path)) {
+                parsed.error = path + ": a report ends in .jsonl or .csv";
+                return parsed;
+            }
+            options.reports.push_back(path);
+        } else if (argument == "--jobs") {
+            const std::string& value = arguments[++i];
+            if (value.empty() || value.size() > 4 || value.find_first_not_of("0123456789") != std::string::npos ||
+                std::stoi(value) < 1) {
+                parsed.error = "--jobs needs a whole number from 1: '" + value + "'";
+                return parsed;
+            }
+            options.jobs = static_cast<unsigned>(std::stoi(value));
+        } else if (argument == "--from") {
+            lists.push_back(arguments[++i]);
+        } else if (argument.size() > 1 && argument[0] == '-') {
+            parsed.error = "unknown option '" + argument + "'";
+            return parsed;
+        } else {
+            options.drawings.push_back(argument);
+        }
+    }
+    for (const std::string& list : lists) {
+        std::ifstream in(list);
+        if (!in) {
+            parsed.error = list + ": cannot read the list of drawings";
+            return parsed;
+        }
+        for (std::string line; std::getline(in, line);) {
+            const std::size_t first = line.find_first_not_of(" \t\r");
+            if (first == std::string::npos) continue;
+            options.drawings.push_back(line.substr(first, line.find_last_not_of(" \t\r") - first + 1));
+        }
+    }
+    if (options.classifier.empty()) parsed.error = "a classifier is needed: --classifier FILE";
+    else if (options.drawings.empty()) parsed.error = "no drawing to check";
+    return parsed;
+}
+
+int runCheck(const std::vector<std::string>& arguments) {
+    const ParsedCheckOptions parsed = parseCheckOptions(arguments);
+    if (!parsed.error.empty()) {
+        std::cerr << "veltarn check: " << parsed.error << "\n" << checkUsageText();
+        return kCheckUsage;
+    }
+    const CheckOptions& options = parsed.options;
+    // The reader is silent about a file it cannot open; nothing could be checked against it.
+    if (const FileBytes classifier = checkRegularFile(options.classifier); !classifier.ok()) {
+        std::cerr << "veltarn check: "
+                  << (classifier.problem == FileProblem::kCannotOpen ? options.classifier + ": cannot open the classifier"
+                                                                     : classifier.error)
+                  << "\n";
+        return kCheckUnreadable;
+    }
+
+    // One drawing a worker at a time, each with its own workbench; the results kept in input order.
+    std::vector<DrawingCheck> checks(options.drawings.size());
+    const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
+    const std::size_t workers = std::min<std::size_t>(options.jobs ? options.jobs : cores, checks.size());
+    const bool progress = ::isatty(STDERR_FILENO);
+    std::atomic<std::size_t> next{0};
+    std::size_t done = 0;
+    std::mutex readingClassifier, progressMutex;
+    auto work = [&] {
+        for (std::size_t i = next++; i < checks.size(); i = next++) {
+            checks[i] = checkDrawing(options.drawings[i], options.classifier, &readingClassifier);
+            if (!progress) continue;
+            const std::lock_guard<std::mutex> guard(progressMutex);
+            std::fprintf(stderr, "\rchecked %zu of %zu drawings", ++done, checks.size());
+            std::fflush(stderr);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (std::size_t i = 1; i < workers; ++i) threads.emplace_back(work);
+    work();
+    for (std::thread& thread : threads) thread.join();
+    if (progress) std::fputs("\n", stderr);
+
+    std::vector<DrawingTally> tallies;
+    std::vector<CheckFinding> findings;
+    bool unreadable = false;
+    for (DrawingCheck& check : checks) {
+        const std::string& drawing = check.tally.drawing;
+        if (check.unreadable) {
+            unreadable = true;
+            const std::string why = check.tally.read ? drawing + ": the classifier could not be read against it"
+                                                     : check.findings.back().message;
+            std::cerr << "veltarn check: " << why << "\n";
+        }
+        tallies.push_back(check.tally);
+        findings.insert(findings.end(), std::make_move_iterator(check.findings.begin()),
+                        std::make_move_iterator(check.findings.end()));
+    }
+    std::cout << summaryTable(tallies);
+    std::cout.flush();
+
+    int status = unreadable ? kCheckUnreadable : findings.empty() ? kCheckClean : kCheckFindings;
+    for (const std::string& path : options.reports) {
+        const std::string bytes =
+            *reportFormatOf(path) == ReportFormat::kCsv ? csvReport(findings) : jsonLinesReport(findings);
+        if (const std::string error = writeTextFile(path, bytes); !error.empty()) {
+            std::cerr << "veltarn check: " << error << "\n";
+            status = kCheckUnreadable;
+        }
+    }
+    return status;
+}
+
+}  // namespace veltarn::app
