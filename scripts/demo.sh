@@ -22,6 +22,16 @@ echo "== veltarn examples/utility-survey.dxf --script examples/check.scr"
 # "Selected: N" ends no line, as at a CAD command line: the next prompt follows on the same one.
 "$build/bin/veltarn" examples/utility-survey.dxf --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/'
 
+# The same drawing checked from a script, as a CAD manager checks a delivery: every fault with
+# its reason, in a report for machines and one for spreadsheets. Status 1 says faults were found.
+echo "== veltarn check --classifier examples/utility-survey.txt examples/utility-survey.dxf --report $out/check.jsonl --report $out/check.csv"
+status=0
+"$build/bin/veltarn" check --classifier examples/utility-survey.txt examples/utility-survey.dxf \
+  --report "$out/check.jsonl" --report "$out/check.csv" || status=$?
+[ "$status" -le 1 ] || exit "$status"
+echo "(exit status $status; the first findings of $out/check.csv:)"
+head -n 6 "$out/check.csv"
+
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
 
