@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <fstream>
@@ -16,8 +17,33 @@
 namespace veltarn::app {
 
 std::string checkUsageText() {
-    return "usage: veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] DRAWING...\n";
+    return "usage: veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] [--shard K/N]\n"
+           "                     DRAWING...\n";
 }
+
+std::vector<std::string> shardOf(std::vector<std::string> drawings, unsigned shard, unsigned shards) {
+    // Plain byte order, as std::string compares: the same on every machine, whatever its locale.
+    std::sort(drawings.begin(), drawings.end());
+    std::vector<std::string> share;
+    for (std::size_t i = shard - 1; i < drawings.size(); i += shards) share.push_back(std::move(drawings[i]));
+    return share;
+}
+
+namespace {
+
+// "K/N" with 1 <= K <= N; false for anything else.
+bool parseShard(const std::string& value, unsigned& shard, unsigned& shards) {
+    const std::size_t slash = value.find('/');
+    if (slash == std::string::npos) return false;
+    const std::string k = value.substr(0, slash), n = value.substr(slash + 1);
+    for (const std::string& part : {k, n})
+        if (part.empty() || part.size() > 6 || part.find_first_not_of("0123456789") != std::string::npos) return false;
+    shard = static_cast<unsigned>(std::stoul(k));
+    shards = static_cast<unsigned>(std::stoul(n));
+    return shard >= 1 && shard <= shards;
+}
+
+}  // namespace
 
 ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) {
     ParsedCheckOptions parsed;
@@ -26,7 +52,7 @@ ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) 
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const bool takesValue = argument == "--classifier" || argument == "--report" || argument == "--from" ||
-                                argument == "--jobs";
+                                argument == "--jobs" || argument == "--shard";
         if (takesValue && i + 1 >= arguments.size()) {
             parsed.error = argument + " needs a value";
             return parsed;
@@ -52,6 +78,12 @@ ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) 
                 return parsed;
             }
             options.jobs = static_cast<unsigned>(std::stoi(value));
+        } else if (argument == "--shard") {
+            const std::string& value = arguments[++i];
+            if (!parseShard(value, options.shard, options.shards)) {
+                parsed.error = "--shard needs K/N, whole numbers with 1 <= K <= N: '" + value + "'";
+                return parsed;
+            }
         } else if (argument == "--from") {
             lists.push_back(arguments[++i]);
         } else if (argument.size() > 1 && argument[0] == '-') {
@@ -75,6 +107,8 @@ ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) 
     }
     if (options.classifier.empty()) parsed.error = "a classifier is needed: --classifier FILE";
     else if (options.drawings.empty()) parsed.error = "no drawing to check";
+    // A shard with no drawing is no error: more shards than drawings leaves some empty.
+    else if (options.shards) options.drawings = shardOf(std::move(options.drawings), options.shard, options.shards);
     return parsed;
 }
 

@@ -1,4 +1,4 @@
-// veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] DRAWING...
+// veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] [--shard K/N] DRAWING...
 #pragma once
 
 #include <string>
@@ -14,7 +14,12 @@ struct CheckOptions {
     std::vector<std::string> reports;
     std::vector<std::string> drawings;  // the arguments, then those of the lists, in order
     unsigned jobs = 0;                  // drawings checked at once; 0: as many as there are cores
+    unsigned shard = 0, shards = 0;     // --shard K/N; 0/0: every drawing, in the order named
 };
+
+// The drawings of share `shard` (1..shards) of `drawings`: sorted by their bytes, then every
+// shards-th from index shard-1. The shares of 1..shards partition the sorted list.
+std::vector<std::string> shardOf(std::vector<std::string> drawings, unsigned shard, unsigned shards);
 
 struct ParsedCheckOptions {
     CheckOptions options;

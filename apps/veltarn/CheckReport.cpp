@@ -12,6 +12,10 @@ std::array<const std::string*, 8> columns(const CheckFinding& f) {
     return {&f.drawing, &f.handle, &f.type, &f.layer, &f.className, &f.code, &f.message, &f.expected};
 }
 
+std::array<std::string*, 8> columns(CheckFinding& f) {
+    return {&f.drawing, &f.handle, &f.type, &f.layer, &f.className, &f.code, &f.message, &f.expected};
+}
+
 constexpr std::array<const char*, 8> kColumnNames = {"drawing", "handle", "type", "layer",
                                                      "class", "code", "message", "expected"};
 
@@ -45,7 +49,144 @@ std::string csvField(const std::string& text) {
     return out + "\"";
 }
 
+void appendUtf8(std::string& out, unsigned code) {
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800) {
+        out += static_cast<char>(0xC0 | (code >> 6));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += static_cast<char>(0xE0 | (code >> 12));
+        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (code >> 18));
+        out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+// One line of a JSON Lines report: a JSON object of strings only, which is all a report holds.
+class ReportLineParser {
+public:
+    explicit ReportLineParser(const std::string& line) : text_(line) {}
+
+    // Empty on success, else what is wrong with the line.
+    std::string parse(CheckFinding& finding) {
+        const auto fields = columns(finding);
+        std::array<bool, 8> seen{};
+        skipSpace();
+        if (!take('{')) return "a report line is a JSON object";
+        skipSpace();
+        if (!take('}')) {
+            do {
+                skipSpace();
+                std::string key, value;
+                if (!string(key)) return error_.empty() ? "a key is a JSON string" : error_;
+                skipSpace();
+                if (!take(':')) return "':' expected after \"" + key + "\"";
+                skipSpace();
+                if (!string(value)) return error_.empty() ? "\"" + key + "\" is not a string" : error_;
+                const auto column = std::find(kColumnNames.begin(), kColumnNames.end(), key);
+                if (column == kColumnNames.end()) return "unknown key \"" + key + "\"";
+                const std::size_t index = column - kColumnNames.begin();
+                if (seen[index]) return "\"" + key + "\" given twice";
+                seen[index] = true;
+                *fields[index] = std::move(value);
+                skipSpace();
+            } while (take(','));
+            if (!take('}')) return "',' or '}' expected";
+        }
+        skipSpace();
+        if (at_ != text_.size()) return "text after the object";
+        for (std::size_t i = 0; i < seen.size(); ++i)
+            if (!seen[i]) return std::string("no \"") + kColumnNames[i] + "\"";
+        return "";
+    }
+
+private:
+    bool take(char c) {
+        if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
+        return false;
+    }
+    void skipSpace() {
+        while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t' || text_[at_] == '\r')) ++at_;
+    }
+    bool hex4(unsigned& code) {
+        if (text_.size() - at_ < 4) return false;
+        code = 0;
+        for (int i = 0; i < 4; ++i) {
+            const char c = text_[at_++];
+            code <<= 4;
+            if (c >= '0' && c <= '9') code |= c - '0';
+            else if (c >= 'a' && c <= 'f') code |= c - 'a' + 10;
+            else if (c >= 'A' && c <= 'F') code |= c - 'A' + 10;
+            else return false;
+        }
+        return true;
+    }
+    bool string(std::string& out) {
+        if (!take('"')) return false;
+        while (at_ < text_.size()) {
+            const char c = text_[at_++];
+            if (c == '"') return true;
+            if (static_cast<unsigned char>(c) < 0x20) return error_ = "a control character inside a string", false;
+            if (c != '\\') {
+                out += c;
+                continue;
+            }
+            if (at_ >= text_.size()) break;
+            switch (const char e = text_[at_++]) {
+                case '"': case '\\': case '/': out += e; break;
+                case 'b': out += '\b'; break;
+                case 'f': out += '\f'; break;
+                case 'n': out += '\n'; break;
+                case 'r': out += '\r'; break;
+                case 't': out += '\t'; break;
+                case 'u': {
+                    unsigned code = 0, low = 0;
+                    if (!hex4(code)) return error_ = "a bad \\u escape", false;
+                    if (code >= 0xD800 && code < 0xDC00) {
+                        if (!take('\\') || !take('u') || !hex4(low) || low < 0xDC00 || low >= 0xE000)
+                            return error_ = "a lone surrogate in a \\u escape", false;
+                        code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+                    } else if (code >= 0xDC00 && code < 0xE000) {
+                        return error_ = "a lone surrogate in a \\u escape", false;
+                    }
+                    appendUtf8(out, code);
+                    break;
+                }
+                default: return error_ = std::string("an unknown escape \\") + e, false;
+            }
+        }
+        error_ = "a string that does not end";
+        return false;
+    }
+
+    const std::string& text_;
+    std::size_t at_ = 0;
+    std::string error_;
+};
+
 }  // namespace
+
+Result<std::vector<CheckFinding>> readJsonLinesReport(const std::string& bytes, const std::string& name) {
+    std::vector<CheckFinding> findings;
+    std::size_t start = 0;
+    for (int number = 1; start < bytes.size(); ++number) {
+        std::size_t end = bytes.find('\n', start);
+        if (end == std::string::npos) end = bytes.size();
+        const std::string line = bytes.substr(start, end - start);
+        start = end + 1;
+        if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+        CheckFinding finding;
+        if (const std::string why = ReportLineParser(line).parse(finding); !why.empty())
+            return makeError(name + ":" + std::to_string(number) + ": not a report line: " + why);
+        findings.push_back(std::move(finding));
+    }
+    return findings;
+}
 
 std::optional<ReportFormat> reportFormatOf(const std::string& path) {
     std::string lower = path;
