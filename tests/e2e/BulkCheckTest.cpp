@@ -30,9 +30,10 @@ protected:
 
     // `veltarn check ARGUMENTS` in the test's folder, with a home of its own (reading a classifier
     // brings its patterns into the user's files); standard error after the heading "--- stderr".
-    ShellRun check(const std::string& arguments) {
+    ShellRun check(const std::string& arguments) { return veltarn("check " + arguments); }
+    ShellRun veltarn(const std::string& arguments) {
         ShellRun run = runShell("cd " + quote(dir_.string()) + " && XDG_CONFIG_HOME=config " +
-                                quote(kProgram.string()) + " check " + arguments + " </dev/null 2>stderr.txt");
+                                quote(kProgram.string()) + " " + arguments + " </dev/null 2>stderr.txt");
         run.out += "--- stderr\n" + readFile(dir_ / "stderr.txt");
         return run;
     }
@@ -215,6 +216,107 @@ TEST_F(BulkCheck, TheExitStatusTellsCleanFromFaultyFromUnreadable) {
         EXPECT_NE(usage.out.find("usage: veltarn check"), std::string::npos) << arguments;
     }
     EXPECT_FALSE(fs::exists(dir_ / "out.txt"));
+}
+
+// Four shards checked apart (as four machines of a cluster would) and their JSON Lines reports
+// merged give byte for byte the reports of one run over the whole list, which --shard sorts: the
+// drawings are named out of order, some in a list, and more shards than drawings leave one empty.
+TEST_F(BulkCheck, ShardsMergedGiveTheReportOfOneRun) {
+    generate("gen", 40, 0.3);
+    fs::create_directories(dir_ / "sub");
+    for (const char* name : {"b.dxf", "B.dxf", "a b.dxf", "sub/a.dxf"}) fs::copy_file(dir_ / "selection.dxf", dir_ / name);
+    writeFile(dir_ / "list.txt", "sub/a.dxf\ngen.dxf\n");
+    const std::string drawings = " b.dxf missing.dxf selection.dxf B.dxf 'a b.dxf' --from list.txt";
+    const std::string classifier = "--classifier selection.classes.txt ";
+
+    const ShellRun whole = check(classifier + "--shard 1/1 --report one.jsonl --report one.csv" + drawings);
+    EXPECT_EQ(whole.exitCode, 3) << whole.out;  // missing.dxf
+    // Sorted by bytes: capitals first, a space before letters, a folder by its path.
+    const std::vector<std::string> sorted = {"B.dxf", "a b.dxf", "b.dxf", "gen.dxf", "missing.dxf", "selection.dxf", "sub/a.dxf"};
+    std::size_t last = 0;
+    for (const std::string& name : sorted) {
+        const std::size_t row = whole.out.find("\n" + name + " ");
+        ASSERT_NE(row, std::string::npos) << name << "\n" << whole.out;
+        EXPECT_LT(last, row) << name;
+        last = row;
+    }
+    // Without --shard the same drawings named in that order give the same report.
+    ASSERT_EQ(check(classifier + "--report named.jsonl B.dxf 'a b.dxf' b.dxf gen.dxf missing.dxf selection.dxf sub/a.dxf").exitCode, 3);
+    EXPECT_EQ(readFile(dir_ / "named.jsonl"), readFile(dir_ / "one.jsonl"));
+
+    // Shard K takes every fourth drawing from the K-th, and its summary shows only those.
+    std::string shards;
+    for (int k = 1; k <= 4; ++k) {
+        const std::string report = "shard-" + std::to_string(k) + ".jsonl";
+        const ShellRun shard = check(classifier + "--shard " + std::to_string(k) + "/4 --report " + report + drawings);
+        EXPECT_NE(shard.exitCode, 2) << shard.out;
+        for (std::size_t i = 0; i < sorted.size(); ++i)
+            EXPECT_EQ(shard.out.find("\n" + sorted[i] + " ") != std::string::npos, int(i % 4) == k - 1)
+                << "shard " << k << ", " << sorted[i] << "\n" << shard.out;
+        shards = report + " " + shards;  // merged in any order
+    }
+    for (const char* out : {"merged.jsonl", "merged.csv"}) {
+        const ShellRun merge = veltarn(std::string("report --merge ") + out + " " + shards);
+        EXPECT_EQ(merge.exitCode, 0) << merge.out;
+    }
+    EXPECT_EQ(readFile(dir_ / "merged.jsonl"), readFile(dir_ / "one.jsonl"));
+    EXPECT_EQ(readFile(dir_ / "merged.csv"), readFile(dir_ / "one.csv"));
+    EXPECT_NE(readFile(dir_ / "one.jsonl").find("\"drawing\": \"gen.dxf\""), std::string::npos);
+
+    // Eight shards of seven drawings: the last is empty, and that is no error.
+    const ShellRun empty = check(classifier + "--shard 8/8 --report empty.jsonl --report empty.csv" + drawings);
+    EXPECT_EQ(empty.exitCode, 0) << empty.out;
+    EXPECT_EQ(readFile(dir_ / "empty.jsonl"), "");
+    EXPECT_EQ(readFile(dir_ / "empty.csv"), "drawing,handle,type,layer,class,code,message,expected\r\n");
+
+    for (const char* shard : {"0/4", "5/4", "1/0", "x", "1/", "/4", "-1/4", "1/4/2"}) {
+        const ShellRun usage = check(classifier + "--shard " + shard + " selection.dxf");
+        EXPECT_EQ(usage.exitCode, 2) << shard;
+        EXPECT_NE(usage.out.find("--shard needs K/N"), std::string::npos) << usage.out;
+    }
+}
+
+// What merge reads is a report as a JSON parser would read it (spacing, key order and escapes
+// are free); anything else names its file and line and writes nothing.
+TEST_F(BulkCheck, MergeReadsJsonAndRefusesWhatIsNoReport) {
+    writeFile(dir_ / "a.jsonl",
+              "\n{ \"expected\":\"\", \"message\": \"caf\\u00e9 \\ud83d\\ude00 \\/ \\\"q\\\"\", \"code\": \"unclassified\","
+              " \"class\": \"\", \"layer\": \"0\", \"type\": \"Line\", \"handle\": \"1F\", \"drawing\": \"z.dxf\" }\r\n");
+    writeFile(dir_ / "b.jsonl", "{\"drawing\": \"y.dxf\", \"handle\": \"\", \"type\": \"\", \"layer\": \"\", \"class\": \"\", "
+                                "\"code\": \"unreadable-drawing\", \"message\": \"m\", \"expected\": \"\"}\n");
+    ASSERT_EQ(veltarn("report --merge out.jsonl a.jsonl b.jsonl").exitCode, 0);
+    EXPECT_EQ(readFile(dir_ / "out.jsonl"),
+              "{\"drawing\": \"y.dxf\", \"handle\": \"\", \"type\": \"\", \"layer\": \"\", \"class\": \"\", "
+              "\"code\": \"unreadable-drawing\", \"message\": \"m\", \"expected\": \"\"}\n"
+              "{\"drawing\": \"z.dxf\", \"handle\": \"1F\", \"type\": \"Line\", \"layer\": \"0\", \"class\": \"\", "
+              "\"code\": \"unclassified\", \"message\": \"caf\xc3\xa9 \xf0\x9f\x98\x80 / \\\"q\\\"\", \"expected\": \"\"}\n");
+
+    const std::string good = readFile(dir_ / "b.jsonl");
+    const std::vector<std::pair<std::string, std::string>> bad = {
+        {"not json", "a report line is a JSON object"},
+        {"{\"drawing\": \"y.dxf\"}", "no \"handle\""},
+        {good.substr(0, good.size() - 2) + ", \"extra\": \"\"}", "unknown key \"extra\""},
+        {"{\"drawing\": 3}", "\"drawing\" is not a string"},
+        {"{\"drawing\": \"a\\x\"}", "an unknown escape \\x"},
+        {"{\"drawing\": \"\\ud800\"}", "a lone surrogate"},
+        {good.substr(0, good.size() - 1) + " {}", "text after the object"},
+    };
+    for (const auto& [line, why] : bad) {
+        writeFile(dir_ / "bad.jsonl", good + line + "\n");
+        const ShellRun merge = veltarn("report --merge out.jsonl a.jsonl bad.jsonl");
+        EXPECT_EQ(merge.exitCode, 3) << line;
+        EXPECT_NE(merge.out.find("veltarn report: bad.jsonl:2: not a report line: " + why), std::string::npos) << merge.out;
+    }
+    EXPECT_NE(readFile(dir_ / "out.jsonl").find("z.dxf"), std::string::npos);  // left as it was
+
+    EXPECT_EQ(veltarn("report --merge out.csv a.jsonl missing.jsonl").exitCode, 3);
+    EXPECT_FALSE(fs::exists(dir_ / "out.csv"));
+    for (const char* arguments : {"report", "report --merge", "report --merge out.csv", "report --merge out.txt a.jsonl",
+                                  "report --join out.csv a.jsonl"}) {
+        const ShellRun usage = veltarn(arguments);
+        EXPECT_EQ(usage.exitCode, 2) << arguments;
+        EXPECT_NE(usage.out.find("usage: veltarn report --merge"), std::string::npos) << arguments;
+    }
 }
 
 }  // namespace
