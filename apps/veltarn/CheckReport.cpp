@@ -5,6 +5,8 @@
 #include <cctype>
 #include <cstdio>
 
+#include "base/Utf8.h"
+
 namespace veltarn::app {
 namespace {
 
@@ -47,24 +49,6 @@ std::string csvField(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
     return out + "\"";
-}
-
-void appendUtf8(std::string& out, unsigned code) {
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800) {
-        out += static_cast<char>(0xC0 | (code >> 6));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        out += static_cast<char>(0xE0 | (code >> 12));
-        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (code >> 18));
-        out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    }
 }
 
 // One line of a JSON Lines report: a JSON object of strings only, which is all a report holds.
@@ -154,7 +138,7 @@ private:
                     } else if (code >= 0xDC00 && code < 0xE000) {
                         return error_ = "a lone surrogate in a \\u escape", false;
                     }
-                    appendUtf8(out, code);
+                    appendUtf8(out, static_cast<char32_t>(code));
                     break;
                 }
                 default: return error_ = std::string("an unknown escape \\") + e, false;

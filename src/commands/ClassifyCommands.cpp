@@ -32,9 +32,6 @@ void noteBlockChange(const std::wstring& before, const ClassDef& def, std::set<s
     if (before != host::toLower(def.properties.blockName.value())) blocks.insert(def.properties.blockName.value());
 }
 
-// A "[0/1]<%i>"-style option read as an integer: negative 0, above 1 is 1.
-bool askMode(host::Editor& editor, StringId prompt, int& value) { return askYesNo(editor, prompt, value); }
-
 // The distinct classes of the candidates' records, by display name, in the order first met.
 std::vector<std::wstring> classesCarried(ClassTests& tests, const CandidateList& list) {
     std::vector<std::wstring> names;
@@ -125,8 +122,8 @@ void classifyAutoCommand(CommandContext& context) {
     host::Host& host = context.host;
     ModuleState& state = context.state;
     CandidateList list = GetImpliedSelection(host);
-    if (!askMode(host.editor(), StringId::kPromptAutoMode, state.options.autoMode)) return;
-    if (!askMode(host.editor(), StringId::kPromptUndrawable, state.options.autoUndrawable)) return;
+    if (!askYesNo(host.editor(), StringId::kPromptAutoMode, state.options.autoMode)) return;
+    if (!askYesNo(host.editor(), StringId::kPromptUndrawable, state.options.autoUndrawable)) return;
     if (list.empty() && !PromptSelection(host, list)) return;
     if (list.empty()) list = CollectModelSpace(host);
     FilterUsable(host, list);
