@@ -1,12 +1,11 @@
 #include "BulkCheck.h"
 
+#include "ClassifiedDrawing.h"
+
 #include <set>
 
 #include "cad/audit/Auditor.h"
 #include "cad/db/Handle.h"
-#include "cad/seam/WorkbenchHost.h"
-#include "classifier/ClassifierReader.h"
-#include "classifier/DrawingResources.h"
 #include "classifier/EntityType.h"
 #include "commands/ClassTests.h"
 #include "host/Utf8.h"
@@ -120,20 +119,19 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
                           std::mutex* readingClassifier) {
     DrawingCheck check;
     check.tally.drawing = drawing;
-    auto read = seam::WorkbenchDatabase::read(drawing);
+    // Audited before the classifier imports anything into it, so the findings are the file's.
+    std::vector<audit::Finding> audited;
+    auto read = readClassifiedDrawing(drawing, classifier, readingClassifier, [&audited](seam::WorkbenchDatabase& db) {
+        audited = audit::auditDrawing(db.raw());
+    });
     if (!read) {
         check.unreadable = true;
         check.findings.push_back({drawing, "", "", "", "", "unreadable-drawing", read.message(), ""});
         return check;
     }
     check.tally.read = true;
-    // Audited before the classifier imports anything into it, so the findings are the file's.
-    const std::vector<audit::Finding> audited = audit::auditDrawing(read.value()->raw());
-
-    // The workbench speaks only through the reader here; nothing else is shown.
-    seam::WorkbenchHost host([](const std::wstring&) {}, editor::SettingsEnvironment::defaultFile());
-    host.openDocument(std::move(read.value()));
-    host::Database* db = host.workingDatabase();
+    ClassifiedDrawing& opened = read.value();
+    host::Database* db = opened.db;
     for (const audit::Finding& finding : audited) {
         CheckFinding found{drawing, "", "", "", "", "audit-" + finding.code, finding.message, ""};
         if (finding.handle != db::kNoHandle) {
@@ -147,23 +145,15 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
         ++check.tally.audit;
     }
     const std::vector<host::ObjectId> objects = db->blockEntities(db->modelSpace());
-    std::wstring transcript;
-    std::unique_lock<std::mutex> reading;
-    if (readingClassifier) reading = std::unique_lock<std::mutex>(*readingClassifier);
-    DrawingResources resources(host, *db);
-    ClassifierReader reader([&transcript](const std::wstring& text) { transcript += text; },
-                            &host.systemVariables(), &resources);
-    const Classifier loaded = reader.read(host::fromUtf8(classifier.string()));
-    if (reading) reading.unlock();
-    addReaderMessages(transcript, drawing, check.findings);
-    if (reader.failed()) {
+    addReaderMessages(opened.transcript, drawing, check.findings);
+    if (opened.classifierFailed) {
         check.unreadable = true;
         check.tally.objects = static_cast<int>(objects.size());
         return check;
     }
 
     check.tally.checked = true;
-    ObjectChecker checker(*db, loaded, check);
+    ObjectChecker checker(*db, opened.classifier, check);
     for (host::ObjectId id : objects) checker.check(id);
     return check;
 }
