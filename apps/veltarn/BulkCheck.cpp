@@ -124,7 +124,7 @@ private:
 }  // namespace
 
 DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
-                          std::mutex* readingClassifier) {
+                          std::mutex* readingClassifier, std::atomic<std::uint64_t>* objectsChecked) {
     DrawingCheck check;
     check.tally.drawing = drawing;
     // Audited before the classifier imports anything into it, so the findings are the file's.
@@ -162,7 +162,10 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
 
     check.tally.checked = true;
     ObjectChecker checker(*db, opened.classifier, check);
-    for (host::ObjectId id : objects) checker.check(id);
+    for (host::ObjectId id : objects) {
+        checker.check(id);
+        if (objectsChecked) objectsChecked->fetch_add(1, std::memory_order_relaxed);
+    }
     return check;
 }
 
