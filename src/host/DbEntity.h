@@ -7,6 +7,7 @@
 
 #include "host/DbObject.h"
 #include "host/EntityClass.h"
+#include "host/EntityOutline.h"
 #include "host/EntityProperty.h"
 #include "host/EntityShape.h"
 
@@ -34,6 +35,12 @@ public:
 
     // Its geometry as numbers, for telling duplicates; nullopt when it cannot be read.
     virtual std::optional<EntityShape> shape() const = 0;
+
+    // What it looks like as GIS geometry: curves broken into straight pieces that stray at most
+    // `tolerance` drawing units from the curve (within caps that keep a huge radius from asking
+    // for millions of points). nullopt when it has no finite geometry (a mesh, a solid, an
+    // endless line, a coordinate that is no number).
+    virtual std::optional<EntityOutline> outline(double tolerance) const = 0;
 
     // Convenience accessors over property().
     std::wstring layer() const { return textProperty(EntityProperty::kLayer); }

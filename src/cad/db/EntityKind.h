@@ -45,6 +45,7 @@ enum class EntityKind : std::uint8_t {
     Dimension,
     ArcDimension,
     LargeRadialDimension,
+    Leader,
 };
 
 EntityKind entityKind(const TagList& tags);

@@ -88,12 +88,13 @@ host::EntityClass entityClassOf(const db::TagList& tags) {
             return EntityClass::kDimensionArc;
         case EntityKind::LargeRadialDimension:
             return EntityClass::kDimensionRadialLarge;
-        // The module tells no 2D solid, trace, attribute or polygon mesh apart.
+        // The module tells no 2D solid, trace, attribute, polygon mesh or leader apart.
         case EntityKind::Solid2d:
         case EntityKind::Trace:
         case EntityKind::Attribute:
         case EntityKind::AttributeDefinition:
         case EntityKind::PolygonMesh:
+        case EntityKind::Leader:
         case EntityKind::Other:
             return EntityClass::kOther;
     }

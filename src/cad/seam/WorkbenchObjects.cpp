@@ -6,6 +6,7 @@
 #include "cad/db/Explode.h"
 #include "cad/db/ExtensionDictionary.h"
 #include "cad/db/Geometry.h"
+#include "cad/db/Outline.h"
 #include "cad/db/Xrecord.h"
 #include "cad/seam/EntityClassification.h"
 #include "cad/seam/EntityPropertyAccess.h"
@@ -167,6 +168,22 @@ public:
     }
 
     std::optional<host::EntityShape> shape() const override { return entityShape(tags()); }
+
+    std::optional<host::EntityOutline> outline(double tolerance) const override {
+        auto made = db::outline(tags(), tolerance);
+        if (!made) return std::nullopt;
+        host::EntityOutline out;
+        out.kind = made->shape == db::Outline::Shape::Point  ? host::EntityOutline::Kind::kPoint
+                   : made->shape == db::Outline::Shape::Line ? host::EntityOutline::Kind::kLine
+                                                             : host::EntityOutline::Kind::kPolygon;
+        out.parts.reserve(made->parts.size());
+        for (const auto& part : made->parts) {
+            auto& points = out.parts.emplace_back();
+            points.reserve(part.size());
+            for (const db::Point3& p : part) points.push_back({p.x, p.y, p.z});
+        }
+        return out;
+    }
 
 private:
     // The entity's tags, decoded once while it is open for read: nothing changes it then (a write

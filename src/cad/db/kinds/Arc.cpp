@@ -2,6 +2,7 @@
 // counter-clockwise in its OCS) in AcDbArc.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db::kinds {
 namespace {
@@ -33,6 +34,23 @@ std::optional<Extents> extents(const TagList& tags) {
     return box;
 }
 
+// A line: counter-clockwise in its plane from the start angle to the end angle, a full turn when
+// they are equal.
+std::optional<Outline> outline(const TagList& tags, double tolerance) {
+    const auto circle = circleOf(tags);
+    if (!circle) return std::nullopt;
+    auto [arcFrom, arcTo] = tags.subclass("AcDbArc");
+    const std::size_t begin = arcFrom == TagList::npos ? 0 : arcFrom;
+    const double start = tags.real(gc::kAngle, begin, arcTo).value_or(0);
+    double sweep = std::fmod(tags.real(gc::kAngle2, begin, arcTo).value_or(360) - start, 360.0);
+    if (sweep <= 0) sweep += 360;
+    std::vector<Point3> points;
+    outline_support::appendArc(points, circle->center, circle->radius, start * kRadiansPerDegree,
+                               sweep * kRadiansPerDegree, tolerance);
+    outline_support::toWcs(points, normalIn(tags, 1, ownEnd(tags)));
+    return outline_support::lineOutline(std::move(points));
+}
+
 }  // namespace
 
 const EntityKindOps kArc{
@@ -40,6 +58,7 @@ const EntityKindOps kArc{
     .geometrySubclass = "AcDbCircle",
     .place = place,
     .extents = extents,
+    .outline = outline,
 };
 
 }  // namespace veltarn::db::kinds

@@ -1,6 +1,7 @@
 // CIRCLE: centre (10, in its OCS) and radius (40) in AcDbCircle.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db::kinds {
 namespace {
@@ -31,6 +32,16 @@ std::optional<Extents> extents(const TagList& tags) {
     return box;
 }
 
+// A polygon: the circle in its plane.
+std::optional<Outline> outline(const TagList& tags, double tolerance) {
+    const auto circle = circleOf(tags);
+    if (!circle) return std::nullopt;
+    std::vector<Point3> ring;
+    outline_support::appendArc(ring, circle->center, circle->radius, 0, 2 * std::numbers::pi, tolerance);
+    outline_support::toWcs(ring, normalIn(tags, 1, ownEnd(tags)));
+    return outline_support::pathOutline(std::move(ring), true);
+}
+
 }  // namespace
 
 const EntityKindOps kCircle{
@@ -38,6 +49,7 @@ const EntityKindOps kCircle{
     .geometrySubclass = "AcDbCircle",
     .place = place,
     .extents = extents,
+    .outline = outline,
 };
 
 }  // namespace veltarn::db::kinds

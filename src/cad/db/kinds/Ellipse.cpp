@@ -2,6 +2,7 @@
 // start and end parameters (41, 42, radians).
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 #include <numbers>
 
@@ -53,6 +54,25 @@ std::optional<Extents> extents(const TagList& tags) {
     return box;
 }
 
+// The whole ellipse is a polygon, a part of it a line. Its minor axis is the major one turned a
+// quarter about the extrusion and shortened by the ratio.
+std::optional<Outline> outline(const TagList& tags, double tolerance) {
+    const std::size_t end = ownEnd(tags);
+    const auto center = tags.point(gc::kX, 1, end);
+    const auto major = tags.point(gc::kX2, 1, end);
+    if (!center || !major) return std::nullopt;
+    const double ratio = tags.real(gc::kReal, 1, end).value_or(1);
+    const Point3 minor = cross(normalized(normalIn(tags, 1, end)), *major) * ratio;
+    const double turn = 2 * std::numbers::pi;
+    const double start = tags.real(gc::kReal2, 1, end).value_or(0);
+    double sweep = std::fmod(tags.real(gc::kReal3, 1, end).value_or(turn) - start, turn);
+    if (sweep <= 0) sweep += turn;
+    const bool whole = std::abs(sweep - turn) < 1e-9;
+    std::vector<Point3> points;
+    outline_support::appendEllipse(points, *center, *major, minor, start, sweep, tolerance);
+    return outline_support::pathOutline(std::move(points), whole);
+}
+
 }  // namespace
 
 const EntityKindOps kEllipse{
@@ -60,6 +80,7 @@ const EntityKindOps kEllipse{
     .geometrySubclass = "AcDbEllipse",
     .place = place,
     .extents = extents,
+    .outline = outline,
 };
 
 }  // namespace veltarn::db::kinds

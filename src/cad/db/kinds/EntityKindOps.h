@@ -9,6 +9,7 @@
 #include "cad/db/EntityProperties.h"
 #include "cad/db/Extents.h"
 #include "cad/db/Geometry.h"
+#include "cad/db/Outline.h"
 
 #include <optional>
 #include <span>
@@ -57,6 +58,9 @@ struct EntityKindOps {
     std::optional<Extents> (*extents)(const TagList& tags) = nullptr;
     // The entities it breaks into; null when the kind is not exploded.
     Result<std::vector<TagList>> (*explode)(const Database& db, const TagList& tags) = nullptr;
+    // Its outline within `tolerance` (positive or 0 for the finest; see Outline.h), before the
+    // common clean-up; null: the point at code 10 as it is stored (WCS).
+    std::optional<Outline> (*outline)(const TagList& tags, double tolerance) = nullptr;
 };
 
 // The kind of an entity of DXF type `dxfType` with tags `tags` (its flags pick derived kinds);

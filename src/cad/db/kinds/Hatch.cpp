@@ -3,8 +3,11 @@
 // seed points, all in its OCS, in AcDbHatch.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 #include "cad/db/Geometry.h"
+
+#include <algorithm>
 
 namespace veltarn::db {
 namespace {
@@ -202,6 +205,93 @@ std::size_t readPaths(const TagList& tags, std::size_t i, std::size_t to, std::i
     return i;
 }
 
+// --- Outline ------------------------------------------------------------------------------------------
+
+constexpr int kExternalPath = 1, kOutermostPath = 16;
+constexpr int kLineEdge = 1, kArcEdge = 2, kEllipseEdge = 3, kSplineEdge = 4;
+constexpr int kEdgeCounterClockwise = 73, kSplineDegree = 94, kSplineWeight = 42;
+
+// One edge's points in the hatch's OCS, from its start to its end. A clockwise arc or elliptic arc
+// (73 = 0) stores its angles negated: it runs from -start the other way round.
+std::vector<Point3> edgePoints(const HatchEdge& edge, double tolerance) {
+    const TagList& t = edge.data;
+    std::vector<Point3> out;
+    const auto center = t.point(gc::kX);
+    const bool ccw = t.integer(kEdgeCounterClockwise).value_or(1) != 0;
+    const double start = t.real(gc::kAngle).value_or(0) * kRadiansPerDegree;
+    const double end = t.real(gc::kAngle2).value_or(360) * kRadiansPerDegree;
+    const double turn = 2 * std::numbers::pi;
+    auto sweepOf = [turn](double from, double to) {
+        const double sweep = std::fmod(to - from, turn);
+        return sweep <= 0 ? sweep + turn : sweep;
+    };
+    if (edge.type == kLineEdge) {
+        const auto to = t.point(gc::kX2);
+        if (center && to) out = {*center, *to};
+    } else if (edge.type == kArcEdge && center) {
+        const double radius = t.real(gc::kReal).value_or(0), sweep = sweepOf(start, end);
+        outline_support::appendArc(out, *center, radius, ccw ? start : -start, ccw ? sweep : -sweep, tolerance);
+    } else if (edge.type == kEllipseEdge && center) {
+        // Its angles are true angles; the curve's parameter at an angle stretches by the ratio.
+        const Point3 major = t.point(gc::kX2).value_or(Point3{1, 0, 0});
+        const double ratio = t.real(gc::kReal).value_or(1);
+        const Point3 minor{-major.y * ratio, major.x * ratio, 0};
+        auto parameter = [ratio](double angle) { return std::atan2(std::sin(angle) / ratio, std::cos(angle)); };
+        const double from = parameter(start), sweep = sweepOf(from, parameter(end));
+        outline_support::appendEllipse(out, *center, major, minor, ccw ? from : -from, ccw ? sweep : -sweep, tolerance);
+    } else if (edge.type == kSplineEdge) {
+        outline_support::Spline spline;
+        spline.degree = static_cast<int>(std::clamp<std::int64_t>(t.integer(kSplineDegree).value_or(3), -1, 1000));
+        std::vector<Point3> fit;
+        for (std::size_t i = 0; i < t.size(); ++i) {
+            if (t[i].code == gc::kReal) spline.knots.push_back(realAt(t, i));
+            if (t[i].code == kSplineWeight) spline.weights.push_back(realAt(t, i));
+            if (t[i].code == gc::kX) spline.controls.push_back(t.pointAt(i).value_or(Point3{}));
+            if (t[i].code == gc::kX2) fit.push_back(t.pointAt(i).value_or(Point3{}));
+        }
+        if (auto curve = outline_support::sampleSpline(spline, tolerance)) return std::move(*curve);
+        out = fit.size() >= 2 ? std::move(fit) : std::move(spline.controls);
+    }
+    return out;
+}
+
+std::vector<Point3> ring(const HatchPath& path, double tolerance) {
+    if (!path.vertices.empty() || (path.flags & kPolylinePathFlag))
+        return outline_support::bulgedPath(path.vertices, true, tolerance);
+    std::vector<Point3> out;
+    for (const HatchEdge& edge : path.edges) {
+        std::vector<Point3> points = edgePoints(edge, tolerance);
+        if (points.empty()) continue;
+        // Some writers give an edge end first: it is turned to go on from where the last one ended.
+        if (!out.empty() && length(points.back() - out.back()) < length(points.front() - out.back()))
+            std::reverse(points.begin(), points.end());
+        out.insert(out.end(), points.begin(), points.end());
+    }
+    return out;
+}
+
+// A polygon whose rings are its boundary paths, the external (or outermost) ones first, at its
+// elevation in its OCS.
+std::optional<Outline> hatchOutline(const TagList& tags, double tolerance) {
+    auto [from, to] = tags.subclass("AcDbHatch");
+    if (from == TagList::npos) return std::nullopt;
+    std::vector<HatchPath> paths = hatchPaths(tags);
+    std::stable_partition(paths.begin(), paths.end(),
+                          [](const HatchPath& path) { return (path.flags & (kExternalPath | kOutermostPath)) != 0; });
+    const double elevation = tags.point(gc::kX, from, to).value_or(Point3{}).z;
+    const Point3 normal = normalIn(tags, 1, ownEnd(tags));
+    Outline out{Outline::Shape::Polygon, {}};
+    for (const HatchPath& path : paths) {
+        std::vector<Point3> points = ring(path, tolerance);
+        if (points.empty()) continue;
+        for (Point3& p : points) p.z = elevation;
+        outline_support::toWcs(points, normal);
+        out.parts.push_back(std::move(points));
+    }
+    if (out.parts.empty()) return std::nullopt;
+    return out;
+}
+
 }  // namespace
 
 const EntityKindOps kinds::kHatch{
@@ -210,6 +300,7 @@ const EntityKindOps kinds::kHatch{
     .properties = kProperties,
     .place = place,
     .extents = extents,
+    .outline = hatchOutline,
 };
 
 // --- Boundary paths ------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 // 45); its ATTRIB entities follow it up to a SEQEND.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 #include "cad/db/ObjectIdentity.h"
 
@@ -152,6 +153,9 @@ constexpr PropertyPlace kProperties[]{
     {Property::Rotation, "AcDbBlockReference", 50, "0"},
 };
 
+// Its insertion point, in its OCS; what its block draws is not gathered.
+std::optional<Outline> outline(const TagList& tags, double) { return outline_support::pointAt(tags, gc::kX, true); }
+
 }  // namespace
 
 const EntityKindOps kBlockReference{
@@ -160,6 +164,7 @@ const EntityKindOps kBlockReference{
     .properties = kProperties,
     .place = place,
     .explode = explode,
+    .outline = outline,
 };
 
 // explode says why it does not break a multiple insert.
@@ -169,6 +174,7 @@ const EntityKindOps kMultipleInsert{
     .properties = kProperties,
     .place = place,
     .explode = explode,
+    .outline = outline,
 };
 
 // --- Attributes given again from the block's definitions (ATTSYNC) ---------------------------------

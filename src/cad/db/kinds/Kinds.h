@@ -10,6 +10,7 @@ extern const EntityKindOps kLine;
 extern const EntityKindOps kCircle;
 extern const EntityKindOps kArc;
 extern const EntityKindOps kMline;
+extern const EntityKindOps kLeader;
 extern const EntityKindOps kPoint;
 extern const EntityKindOps kXline;
 extern const EntityKindOps kRay;

@@ -3,6 +3,7 @@
 // AcDbPolyline.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db::kinds {
 namespace {
@@ -104,6 +105,15 @@ std::optional<Extents> extents(const TagList& tags) {
     return box;
 }
 
+// Its vertices (in its OCS, at its elevation) and the arcs of its bulges: a polygon when closed.
+std::optional<Outline> outline(const TagList& tags, double tolerance) {
+    const bool isClosed = closed(tags).value_or(false);
+    std::vector<Point3> points = outline_support::bulgedPath(vertices(tags), isClosed, tolerance);
+    if (points.empty()) return std::nullopt;
+    outline_support::toWcs(points, normalIn(tags, 1, ownEnd(tags)));
+    return outline_support::pathOutline(std::move(points), isClosed);
+}
+
 constexpr PropertyPlace kProperties[]{
     {Property::ConstantWidth, "AcDbPolyline", kConstantWidth, "0"},
     {Property::Elevation, "AcDbPolyline", kElevation, "0"},
@@ -122,6 +132,7 @@ const EntityKindOps kLwPolyline{
     .setVertices = setVertices,
     .extents = extents,
     .explode = explode,
+    .outline = outline,
 };
 
 }  // namespace veltarn::db::kinds

@@ -3,6 +3,7 @@
 // flags (71) and extrusion in AcDbMline.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 #include "cad/db/Dictionary.h"
 #include "cad/db/Geometry.h"
@@ -268,6 +269,19 @@ constexpr PropertyPlace kProperties[]{
 
 }  // namespace
 
+namespace {
+
+// A line through its vertices, back to the first when it is closed: a multiline is drawn as its
+// elements along that line, not as an area.
+std::optional<Outline> mlineOutline(const TagList& tags, double) {
+    std::vector<Point3> points = mlineVertices(tags);
+    if (points.empty()) return std::nullopt;
+    if (closed(tags).value_or(false)) points.push_back(points.front());
+    return outline_support::lineOutline(std::move(points));
+}
+
+}  // namespace
+
 const EntityKindOps kinds::kMline{
     .kind = EntityKind::Mline,
     .geometrySubclass = "AcDbMline",
@@ -275,6 +289,7 @@ const EntityKindOps kinds::kMline{
     .closedFlag = ClosedFlag{"AcDbMline", kMlineFlags, kMlineClosed},
     .place = place,
     .explode = explode,
+    .outline = mlineOutline,
 };
 
 // --- Multilines -----------------------------------------------------------------------------------------

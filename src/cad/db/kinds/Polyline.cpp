@@ -3,6 +3,7 @@
 // a polygon mesh of M x N vertices or a polyface mesh (vertices, then face records naming them).
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db::kinds {
 namespace {
@@ -228,6 +229,30 @@ Result<std::vector<TagList>> explodePolyline(const TagList& tags) {
 
 Result<std::vector<TagList>> explode(const Database&, const TagList& tags) { return explodePolyline(tags); }
 
+// The curve's vertices, not its spline frame. A 2D polyline's are in its OCS at its elevation, with
+// the arcs of its bulges; a 3D polyline's in WCS, joined straight.
+std::optional<Outline> outline(const TagList& tags, double tolerance) {
+    const std::size_t end = ownEnd(tags);
+    const int flags = static_cast<int>(tags.integer(gc::kFlags, 1, end).value_or(0));
+    const bool planar = !(flags & explode_support::kPolyline3d), isClosed = (flags & kClosed) != 0;
+    const double elevation = tags.point(gc::kX, 1, end).value_or(Point3{}).z;
+    std::vector<Vertex> vertices;
+    for (const VertexTags& vertex : vertexTags(tags)) {
+        if (vertex.flags & kSplineFrame) continue;
+        Vertex v;
+        v.point = tags.point(gc::kX, vertex.from, vertex.to).value_or(Point3{});
+        if (planar) {
+            v.point.z = elevation;
+            v.bulge = tags.real(kBulge, vertex.from, vertex.to).value_or(0);
+        }
+        vertices.push_back(v);
+    }
+    std::vector<Point3> points = outline_support::bulgedPath(vertices, isClosed, tolerance);
+    if (points.empty()) return std::nullopt;
+    if (planar) outline_support::toWcs(points, normalIn(tags, 1, end));
+    return outline_support::pathOutline(std::move(points), isClosed);
+}
+
 // Both default widths are written with the constant width (see setProperty).
 constexpr PropertyPlace kProperties[]{
     {Property::ConstantWidth, "AcDb2dPolyline", kStartWidth, "0"},
@@ -249,6 +274,7 @@ const EntityKindOps kPolyline2d{
     .setVertices = setVertices,
     .extents = extents,
     .explode = explode,
+    .outline = outline,
 };
 
 const EntityKindOps kPolyline3d{
@@ -262,6 +288,7 @@ const EntityKindOps kPolyline3d{
     .setVertices = setVertices,
     .extents = extents,
     .explode = explode,
+    .outline = outline,
 };
 
 const EntityKindOps kPolygonMesh{
@@ -274,6 +301,7 @@ const EntityKindOps kPolygonMesh{
     .setVertices = setVertices,
     .extents = extents,
     .explode = explode,
+    .outline = outline_support::noOutline,  // faces, not one point, line or polygon
 };
 
 const EntityKindOps kPolyfaceMesh{
@@ -286,6 +314,7 @@ const EntityKindOps kPolyfaceMesh{
     .setVertices = setVertices,
     .extents = extents,
     .explode = explode,
+    .outline = outline_support::noOutline,
 };
 
 }  // namespace veltarn::db::kinds

@@ -10,7 +10,7 @@
 namespace veltarn::db {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 28> kByType{{
+constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 29> kByType{{
     {"3DFACE", &kinds::kFace3d},
     {"3DSOLID", &kinds::kSolid3d},
     {"ARC", &kinds::kArc},
@@ -22,6 +22,7 @@ constexpr std::array<std::pair<std::string_view, const EntityKindOps*>, 28> kByT
     {"ELLIPSE", &kinds::kEllipse},
     {"HATCH", &kinds::kHatch},
     {"LARGE_RADIAL_DIMENSION", &kinds::kLargeRadialDimension},
+    {"LEADER", &kinds::kLeader},
     {"LINE", &kinds::kLine},
     {"LWPOLYLINE", &kinds::kLwPolyline},
     {"MESH", &kinds::kMesh},

@@ -3,6 +3,7 @@
 // second AcDbText subclass; 74 for attributes).
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db {
 namespace {
@@ -10,6 +11,9 @@ namespace {
 using namespace kind_support;
 
 constexpr int kTextUpsideDown = 4;  // TEXT generation flag (71)
+
+// Its insertion point, in its OCS.
+std::optional<Outline> textOutline(const TagList& tags, double) { return outline_support::pointAt(tags, gc::kX, true); }
 
 }  // namespace
 
@@ -106,17 +110,20 @@ const EntityKindOps kinds::kText{
     .properties = kProperties,
     .place = place,
     .extents = textExtents,
+    .outline = textOutline,
 };
 
 // Attributes are placed with their block reference (an ATTDEF in a block becomes a TEXT first).
 const EntityKindOps kinds::kAttribute{
     .kind = EntityKind::Attribute,
     .extents = textExtents,
+    .outline = textOutline,
 };
 
 const EntityKindOps kinds::kAttributeDefinition{
     .kind = EntityKind::AttributeDefinition,
     .extents = textExtents,
+    .outline = textOutline,
 };
 
 std::optional<int> textJustification(const TagList& tags) {

@@ -1,6 +1,7 @@
 // XLINE and RAY: a point (10) and a direction (11), both in WCS.
 #include "cad/db/kinds/KindSupport.h"
 #include "cad/db/kinds/Kinds.h"
+#include "cad/db/kinds/OutlineSupport.h"
 
 namespace veltarn::db::kinds {
 namespace {
@@ -24,6 +25,7 @@ const EntityKindOps kXline{
     .keepsShapeUnderAnyMap = true,
     .place = place,
     .extents = extents,
+    .outline = outline_support::noOutline,  // endless: no finite geometry
 };
 
 const EntityKindOps kRay{
@@ -32,6 +34,7 @@ const EntityKindOps kRay{
     .keepsShapeUnderAnyMap = true,
     .place = place,
     .extents = extents,
+    .outline = outline_support::noOutline,  // endless: no finite geometry
 };
 
 }  // namespace veltarn::db::kinds
