@@ -23,14 +23,16 @@ echo "== veltarn examples/utility-survey.dxf --script examples/check.scr"
 "$build/bin/veltarn" examples/utility-survey.dxf --script examples/check.scr | sed 's/Selected: [0-9]*/&\n/'
 
 # The same drawing checked from a script, as a CAD manager checks a delivery: every fault with
-# its reason, in a report for machines and one for spreadsheets. Status 1 says faults were found.
-echo "== veltarn check --classifier examples/utility-survey.txt examples/utility-survey.dxf --report $out/check.jsonl --report $out/check.csv"
+# its reason, in a report for machines, one for spreadsheets and a page for people. Status 1 says
+# faults were found.
+echo "== veltarn check --classifier examples/utility-survey.txt examples/utility-survey.dxf --report $out/check.jsonl --report $out/check.csv --report $out/check.html"
 status=0
 "$build/bin/veltarn" check --classifier examples/utility-survey.txt examples/utility-survey.dxf \
-  --report "$out/check.jsonl" --report "$out/check.csv" || status=$?
+  --report "$out/check.jsonl" --report "$out/check.csv" --report "$out/check.html" || status=$?
 [ "$status" -le 1 ] || exit "$status"
 echo "(exit status $status; the first findings of $out/check.csv:)"
 head -n 6 "$out/check.csv"
+echo "(the page for people, with the plan and its faulty objects in red: $out/check.html)"
 
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"

@@ -1,6 +1,8 @@
 #include "BulkCheck.h"
 
 #include "ClassifiedDrawing.h"
+#include "HtmlReport.h"
+#include "PlanShapes.h"
 
 #include <set>
 
@@ -42,15 +44,28 @@ public:
     ObjectChecker(host::Database& db, const Classifier& classifier, DrawingCheck& check)
         : tests_(db, classifier), check_(check) {}
 
-    void check(host::ObjectId id) {
-        DrawingTally& tally = check_.tally;
-        ++tally.objects;
-        CheckFinding base{tally.drawing, db::formatHandle(id.handle), "", "", "", "", "", ""};
+    // The plan, when given, gets the object's outline, a link when it has findings.
+    void check(host::ObjectId id, DrawingPlan* plan, std::size_t planIndex) {
+        CheckFinding base{check_.tally.drawing, db::formatHandle(id.handle), "", "", "", "", "", ""};
         std::unique_ptr<host::DbEntity> entity = tests_.db().openEntity(id, host::OpenMode::kRead);
         if (entity) {
             base.type = host::toUtf8(entityTypeOf(*entity));
             base.layer = host::toUtf8(entity->layer());
         }
+        const std::size_t before = check_.findings.size();
+        test(id, entity.get(), base);
+        if (!plan || !entity) return;
+        std::optional<PlanShape> shape = planShapeOf(*entity);
+        if (!shape) return;
+        const bool faulty = check_.findings.size() != before;
+        plan->add(std::move(*shape), faulty ? findingsAnchor(planIndex, base.handle) : std::string(),
+                  base.handle + " " + base.type + " " + base.layer);
+    }
+
+private:
+    void test(host::ObjectId id, const host::DbEntity* entity, const CheckFinding& base) {
+        DrawingTally& tally = check_.tally;
+        ++tally.objects;
         // Copied: the object-data test reads records through the same cursor.
         const std::vector<ObjectDataRecord> records = tests_.records(id);
         if (records.empty()) {
@@ -91,7 +106,6 @@ public:
         else ++tally.faulty;
     }
 
-private:
     // As VELTARN_SEL_NULL 0 finds them: a text field the classifier requires, left empty.
     void emptyRequired(const CheckFinding& base, const ObjectDataRecord& record, const ClassDef* def) {
         const TableDef* table = tests_.index().tableOf(record);
@@ -124,12 +138,12 @@ private:
 }  // namespace
 
 DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
-                          std::mutex* readingClassifier, std::atomic<std::uint64_t>* objectsChecked) {
+                          const CheckDrawingOptions& options) {
     DrawingCheck check;
     check.tally.drawing = drawing;
     // Audited before the classifier imports anything into it, so the findings are the file's.
     std::vector<audit::Finding> audited;
-    auto read = readClassifiedDrawing(drawing, classifier, readingClassifier, [&audited](seam::WorkbenchDatabase& db) {
+    auto read = readClassifiedDrawing(drawing, classifier, options.readingClassifier, [&audited](seam::WorkbenchDatabase& db) {
         audited = audit::auditDrawing(db.raw());
     });
     if (!read) {
@@ -162,10 +176,12 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
 
     check.tally.checked = true;
     ObjectChecker checker(*db, opened.classifier, check);
+    DrawingPlan plan;
     for (host::ObjectId id : objects) {
-        checker.check(id);
-        if (objectsChecked) objectsChecked->fetch_add(1, std::memory_order_relaxed);
+        checker.check(id, options.plan ? &plan : nullptr, options.planIndex);
+        if (options.objectsChecked) options.objectsChecked->fetch_add(1, std::memory_order_relaxed);
     }
+    if (options.plan) check.planSvg = plan.svg();
     return check;
 }
 

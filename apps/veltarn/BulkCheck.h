@@ -14,6 +14,8 @@ namespace veltarn::app {
 // One thing at fault. Text is UTF-8; what does not concern an object has an empty handle.
 struct CheckFinding {
     std::string drawing, handle, type, layer, className, code, message, expected;
+
+    friend bool operator==(const CheckFinding&, const CheckFinding&) = default;
 };
 
 // The objects of one drawing, counted. Every object is one of valid, faulty, unclassified or
@@ -29,15 +31,24 @@ struct DrawingCheck {
     DrawingTally tally;
     std::vector<CheckFinding> findings;
     bool unreadable = false;  // the drawing, or the classifier against it, could not be read
+    std::string planSvg;      // when asked for and the drawing has geometry
+};
+
+struct CheckDrawingOptions {
+    // Held while the classifier is read, since reading it brings patterns into the user's own
+    // files: drawings may be checked on several threads at once, each with its own workbench.
+    std::mutex* readingClassifier = nullptr;
+    // Each object checked is counted into it, for a progress bar.
+    std::atomic<std::uint64_t>* objectsChecked = nullptr;
+    // Also draw the plan of the drawing (DrawingCheck::planSvg), the objects with findings linking
+    // to the anchors findingsAnchor(planIndex, handle) of the HTML report.
+    bool plan = false;
+    std::size_t planIndex = 0;
 };
 
 // Checks `drawing` against the classifier file `classifier` (which the caller has found to be a
-// readable file). Nothing is written to the drawing. Drawings may be checked on several threads
-// at once, each with its own workbench; `readingClassifier`, when given, is held while the
-// classifier is read, since reading it brings patterns into the user's own files. Each object
-// checked is counted into `objectsChecked` when given, for a progress bar.
+// readable file). Nothing is written to the drawing.
 DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
-                          std::mutex* readingClassifier = nullptr,
-                          std::atomic<std::uint64_t>* objectsChecked = nullptr);
+                          const CheckDrawingOptions& options = {});
 
 }  // namespace veltarn::app

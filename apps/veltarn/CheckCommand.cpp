@@ -14,13 +14,14 @@
 #include "BulkCheck.h"
 #include "CheckProgress.h"
 #include "CheckReport.h"
+#include "HtmlReport.h"
 #include "base/RegularFile.h"
 #include "base/TextFileWrite.h"
 
 namespace veltarn::app {
 
 std::string checkUsageText() {
-    return "usage: veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv]... [--from LIST] [--jobs N] [--shard K/N]\n"
+    return "usage: veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv|OUT.html]... [--from LIST] [--jobs N] [--shard K/N]\n"
            "                     DRAWING...\n";
 }
 
@@ -69,7 +70,7 @@ ParsedCheckOptions parseCheckOptions(const std::vector<std::string>& arguments) 
         } else if (argument == "--report") {
             const std::string& path = arguments[++i];
             if (!reportFormatOf(path)) {
-                parsed.error = path + ": a report ends in .jsonl or .csv";
+                parsed.error = path + ": a report ends in .jsonl, .csv or .html";
                 return parsed;
             }
             options.reports.push_back(path);
@@ -146,12 +147,20 @@ int runCheck(const std::vector<std::string>& arguments) {
         }
         progress = std::make_unique<CheckProgress>(std::move(sizes));
     }
+    // Only a page for people shows plans; drawing them costs an outline of every object.
+    const bool plans = std::any_of(options.reports.begin(), options.reports.end(), [](const std::string& path) {
+        return reportFormatOf(path) == ReportFormat::kHtml;
+    });
     std::atomic<std::size_t> next{0};
     std::mutex readingClassifier;
     auto work = [&] {
         for (std::size_t i = next++; i < checks.size(); i = next++) {
-            checks[i] = checkDrawing(options.drawings[i], options.classifier, &readingClassifier,
-                                     progress ? &progress->objects() : nullptr);
+            CheckDrawingOptions checking;
+            checking.readingClassifier = &readingClassifier;
+            checking.objectsChecked = progress ? &progress->objects() : nullptr;
+            checking.plan = plans;
+            checking.planIndex = i;
+            checks[i] = checkDrawing(options.drawings[i], options.classifier, checking);
             if (progress) progress->drawingDone(i);
         }
     };
@@ -162,6 +171,7 @@ int runCheck(const std::vector<std::string>& arguments) {
     if (progress) progress->finish();
 
     std::vector<DrawingTally> tallies;
+    std::vector<HtmlDrawing> pages;
     std::vector<CheckFinding> findings;
     bool unreadable = false;
     for (DrawingCheck& check : checks) {
@@ -173,6 +183,7 @@ int runCheck(const std::vector<std::string>& arguments) {
             std::cerr << "veltarn check: " << why << "\n";
         }
         tallies.push_back(check.tally);
+        if (plans) pages.push_back({check.tally, std::move(check.planSvg), true, check.findings.size()});
         findings.insert(findings.end(), std::make_move_iterator(check.findings.begin()),
                         std::make_move_iterator(check.findings.end()));
     }
@@ -182,7 +193,7 @@ int runCheck(const std::vector<std::string>& arguments) {
     int status = unreadable ? kCheckUnreadable : findings.empty() ? kCheckClean : kCheckFindings;
     for (const std::string& path : options.reports) {
         const std::string bytes =
-            *reportFormatOf(path) == ReportFormat::kCsv ? csvReport(findings) : jsonLinesReport(findings);
+            reportBytes(*reportFormatOf(path), findings, pages, options.classifier);
         if (const std::string error = writeTextFile(path, bytes); !error.empty()) {
             std::cerr << "veltarn check: " << error << "\n";
             status = kCheckUnreadable;

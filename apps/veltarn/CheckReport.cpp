@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <filesystem>
 
 #include "base/Utf8.h"
 
@@ -180,6 +181,7 @@ std::optional<ReportFormat> reportFormatOf(const std::string& path) {
     };
     if (endsWith(".jsonl")) return ReportFormat::kJsonLines;
     if (endsWith(".csv")) return ReportFormat::kCsv;
+    if (endsWith(".html") || endsWith(".htm")) return ReportFormat::kHtml;
     return std::nullopt;
 }
 
@@ -207,6 +209,18 @@ std::string csvReport(const std::vector<CheckFinding>& findings) {
         out += "\r\n";
     }
     return out;
+}
+
+std::string reportBytes(ReportFormat format, const std::vector<CheckFinding>& findings,
+                        const std::vector<HtmlDrawing>& drawings, const std::string& classifier) {
+    switch (format) {
+        case ReportFormat::kJsonLines: return jsonLinesReport(findings);
+        case ReportFormat::kCsv: return csvReport(findings);
+        case ReportFormat::kHtml: 
+            return htmlReport("Check against " + std::filesystem::path(classifier).filename().string(), drawings,
+                              findings);
+    }
+    return {};
 }
 
 std::string summaryTable(const std::vector<DrawingTally>& tallies) {

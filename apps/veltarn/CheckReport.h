@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "BulkCheck.h"
+#include "HtmlReport.h"
 #include "base/Result.h"
 
 namespace veltarn::app {
 
-enum class ReportFormat { kJsonLines, kCsv };
+enum class ReportFormat { kJsonLines, kCsv, kHtml };
 
-// By the file's extension (".jsonl", ".csv", any case); nullopt for any other.
+// By the file's extension (".jsonl", ".csv", ".html", any case); nullopt for any other.
 std::optional<ReportFormat> reportFormatOf(const std::string& path);
 
 // One JSON object a line with the keys drawing, handle, type, layer, class, code, message,
@@ -25,6 +26,10 @@ std::string jsonLinesReport(const std::vector<CheckFinding>& findings);
 Result<std::vector<CheckFinding>> readJsonLinesReport(const std::string& bytes, const std::string& name);
 // A header line, then one line a finding; fields quoted as RFC 4180 asks, lines end in CRLF.
 std::string csvReport(const std::vector<CheckFinding>& findings);
+
+// The report in `format`; a page (HtmlReport.h) shows `drawings` and names the classifier file.
+std::string reportBytes(ReportFormat format, const std::vector<CheckFinding>& findings,
+                        const std::vector<HtmlDrawing>& drawings, const std::string& classifier);
 
 // One row a drawing and a total row, the columns aligned.
 std::string summaryTable(const std::vector<DrawingTally>& tallies);

@@ -5,6 +5,7 @@
 
 #include "CheckCommand.h"
 #include "CheckReport.h"
+#include "HtmlReport.h"
 #include "base/RegularFile.h"
 #include "base/TextFileWrite.h"
 
@@ -19,7 +20,24 @@ std::vector<CheckFinding> mergeFindings(std::vector<std::vector<CheckFinding>> r
     return all;
 }
 
-std::string reportUsageText() { return "usage: veltarn report --merge OUT.jsonl|OUT.csv REPORT.jsonl...\n"; }
+std::vector<HtmlDrawing> drawingsOf(const std::vector<CheckFinding>& findings) {
+    std::vector<HtmlDrawing> drawings;
+    for (const CheckFinding& finding : findings) {
+        if (drawings.empty() || drawings.back().tally.drawing != finding.drawing) {
+            HtmlDrawing& drawing = drawings.emplace_back();
+            drawing.tally.drawing = finding.drawing;
+            drawing.tally.read = drawing.tally.checked = true;
+            drawing.counted = false;
+        }
+        ++drawings.back().findings;
+        DrawingTally& tally = drawings.back().tally;
+        if (finding.code == "unreadable-drawing") tally.read = false;
+        if (finding.code.starts_with("audit-")) ++tally.audit;
+    }
+    return drawings;
+}
+
+std::string reportUsageText() { return "usage: veltarn report --merge OUT.jsonl|OUT.csv|OUT.html REPORT.jsonl...\n"; }
 
 int runReport(const std::vector<std::string>& arguments) {
     auto usage = [](const std::string& message) {
@@ -30,7 +48,7 @@ int runReport(const std::vector<std::string>& arguments) {
     if (arguments.size() < 2) return usage("--merge needs a report to write");
     const std::string& out = arguments[1];
     const std::optional<ReportFormat> format = reportFormatOf(out);
-    if (!format) return usage(out + ": a report ends in .jsonl or .csv");
+    if (!format) return usage(out + ": a report ends in .jsonl, .csv or .html");
     const std::vector<std::string> inputs(arguments.begin() + 2, arguments.end());
     if (inputs.empty()) return usage("no report to merge");
     for (const std::string& input : inputs)
@@ -53,7 +71,11 @@ int runReport(const std::vector<std::string>& arguments) {
         reports.push_back(std::move(read.value()));
     }
     const std::vector<CheckFinding> merged = mergeFindings(std::move(reports));
-    const std::string bytes = *format == ReportFormat::kCsv ? csvReport(merged) : jsonLinesReport(merged);
+    const std::string bytes =
+        *format == ReportFormat::kHtml
+            ? htmlReport("Findings of " + std::to_string(inputs.size()) + (inputs.size() == 1 ? " report" : " reports"),
+                         drawingsOf(merged), merged)
+            : reportBytes(*format, merged, {}, "");
     if (const std::string error = writeTextFile(out, bytes); !error.empty()) {
         std::cerr << "veltarn report: " << error << "\n";
         return kCheckUnreadable;

@@ -1,4 +1,4 @@
-// veltarn report --merge OUT.jsonl|OUT.csv FILE.jsonl...: the JSON Lines reports of several
+// veltarn report --merge OUT.jsonl|OUT.csv|OUT.html FILE.jsonl...: the JSON Lines reports of several
 // veltarn check runs (the shards of one list of drawings) joined into one report.
 #pragma once
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "BulkCheck.h"
+#include "HtmlReport.h"
 
 namespace veltarn::app {
 
@@ -13,6 +14,10 @@ namespace veltarn::app {
 // by drawing (byte order), and within a drawing as its report gave them. Stable, so a drawing named
 // twice keeps the order of the reports given.
 std::vector<CheckFinding> mergeFindings(std::vector<std::vector<CheckFinding>> reports);
+
+// The drawings of merged findings, for a page: only what the findings tell (which drawings could
+// not be read, their audit findings); the shards' counts of objects are not in their reports.
+std::vector<HtmlDrawing> drawingsOf(const std::vector<CheckFinding>& findings);
 
 std::string reportUsageText();
 
