@@ -4,7 +4,7 @@
 set -euo pipefail
 
 declare -A WANT=(
-  [build]="cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libedit-dev"
+  [build]="cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libedit-dev zlib1g-dev"
   [test]="python3-ezdxf librecad time chromium fonts-dejavu-core python3-pil gdal-bin"
   [bench]="python3-ezdxf gdal-bin time"
   [fuzz]="clang libclang-rt-14-dev"

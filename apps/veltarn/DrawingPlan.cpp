@@ -5,12 +5,14 @@
 #include <cstdint>
 
 #include "HtmlText.h"
+#include "PngImage.h"
 
 namespace veltarn::app {
 namespace {
 
 // Half pixels: plan coordinates are whole numbers in a viewBox twice the plan's size.
 constexpr double kGrid = 2;
+constexpr std::uint8_t kGreyLevel = 0x40;  // dark: the picture is shown at half its size
 
 struct Mapping {
     double scale = 1, minX = 0, maxY = 0, width = 0, height = 0;
@@ -70,28 +72,35 @@ std::string DrawingPlan::svg() const {
     const long margin = 4;
     const long width = std::max<long>(1, std::lround(spanX * map.scale)), height = std::max<long>(1, std::lround(spanY * map.scale));
 
-    std::string grey, red;
-    std::unordered_set<std::uint64_t> dots;
+    // The objects without findings are a picture: its size is the plan's, however many there are.
+    GreyCanvas grey(static_cast<int>(width + 2 * margin), static_cast<int>(height + 2 * margin));
+    std::string red;
     for (const Entry& entry : shapes_) {
-        std::string d = pathData(entry.shape, map);
         if (!entry.link.empty()) {
-            red += "<a href=\"#" + htmlEscaped(entry.link) + "\"><path d=\"" + d + "\"><title>" +
+            red += "<a href=\"#" + htmlEscaped(entry.link) + "\"><path d=\"" + pathData(entry.shape, map) + "\"><title>" +
                    htmlEscaped(entry.title) + "</title></path></a>";
             continue;
         }
-        if (d.ends_with("h0") && d.find('L') == std::string::npos && d.find('M', 1) == std::string::npos) {
-            const PlanPoint& p = entry.shape.parts.front().front();
-            const std::uint64_t key = (static_cast<std::uint64_t>(map.x(p.x)) << 32) ^ static_cast<std::uint32_t>(map.y(p.y));
-            if (!dots.insert(key).second) continue;
+        for (const std::vector<PlanPoint>& part : entry.shape.parts) {
+            long lastX = map.x(part.front().x) + margin, lastY = map.y(part.front().y) + margin;
+            grey.dot(lastX, lastY);
+            for (std::size_t i = 1; i <= part.size(); ++i) {
+                if (i == part.size() && !(entry.shape.closed && part.size() > 2)) break;
+                const PlanPoint& p = part[i % part.size()];
+                const long x = map.x(p.x) + margin, y = map.y(p.y) + margin;
+                grey.line(lastX, lastY, x, y);
+                lastX = x, lastY = y;
+            }
         }
-        grey += d;
     }
     const std::string box = std::to_string(-margin) + " " + std::to_string(-margin) + " " +
                             std::to_string(width + 2 * margin) + " " + std::to_string(height + 2 * margin);
     auto pixels = [](long grid) { return std::to_string(std::lround(grid / kGrid)); };
     return "<svg class=\"plan\" xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" + box + "\" width=\"" +
            pixels(width + 2 * margin) + "\" height=\"" + pixels(height + 2 * margin) + "\">" +
-           (grey.empty() ? "" : "<path class=\"ok\" d=\"" + grey + "\"/>") + "<g class=\"bad\">" + red + "</g></svg>";
+           "<image class=\"ok\" x=\"" + std::to_string(-margin) + "\" y=\"" + std::to_string(-margin) + "\" width=\"" +
+           std::to_string(grey.width()) + "\" height=\"" + std::to_string(grey.height()) + "\" href=\"" +
+           grey.pngDataUri(kGreyLevel) + "\"/><g class=\"bad\">" + red + "</g></svg>";
 }
 
 }  // namespace veltarn::app

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace veltarn::app {
@@ -28,9 +27,10 @@ public:
     void add(PlanShape shape, std::string link, std::string title);
     bool empty() const { return shapes_.empty(); }
 
-    // The <svg> element, empty when nothing had geometry. Coordinates are kept to half a pixel,
-    // and objects in grey that fall on a pixel already drawn are left out, so that the plan of a
-    // drawing of a million objects stays small.
+    // The <svg> element, empty when nothing had geometry. Coordinates are kept to half a pixel.
+    // The objects without findings are drawn into a picture (a PNG inside the element), so that
+    // the plan of a drawing of a million objects is as small as that of ten; those with findings
+    // are outlines over it.
     std::string svg() const;
 
 private:

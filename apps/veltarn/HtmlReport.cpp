@@ -22,7 +22,6 @@ td.bad{color:#b00;font-weight:bold}td.good{color:#070}
 span.kind{display:inline-block;margin-right:10px;white-space:nowrap}
 svg.plan{border:1px solid #ccc;background:#fcfcfc;display:block;margin:8px 0}
 svg.plan path{fill:none;stroke-linecap:round;stroke-linejoin:round;vector-effect:non-scaling-stroke}
-svg.plan path.ok{stroke:#8a8a8a;stroke-width:1.2}
 svg.plan g.bad path{stroke:#e00000;stroke-width:2}
 svg.plan a:hover path{stroke:#000}
 table.findings{font-size:12px}

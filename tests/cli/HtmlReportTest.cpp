@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <zlib.h>
+
+#include <algorithm>
 #include <cmath>
 #include <regex>
 
@@ -18,34 +21,76 @@ std::size_t count(const std::string& text, const std::string& what) {
     return n;
 }
 
+// The pixels of a plan's picture of the objects without findings, as zlib unpacks its PNG:
+// true where a pixel is drawn.
+std::vector<std::vector<bool>> pictureOf(const std::string& svg) {
+    const std::string prefix = "href=\"data:image/png;base64,";
+    const std::size_t from = svg.find(prefix) + prefix.size();
+    const std::string text = svg.substr(from, svg.find('"', from) - from);
+    std::string png;
+    unsigned bits = 0, held = 0;
+    for (const char c : text) {
+        const auto at = std::string("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/").find(c);
+        if (at == std::string::npos) break;
+        bits = bits << 6 | static_cast<unsigned>(at), held += 6;
+        if (held >= 8) png += static_cast<char>((bits >> (held -= 8)) & 0xff);
+    }
+    auto number = [&png](std::size_t at) {
+        return static_cast<unsigned>(static_cast<unsigned char>(png[at])) << 24 |
+               static_cast<unsigned char>(png[at + 1]) << 16 | static_cast<unsigned char>(png[at + 2]) << 8 |
+               static_cast<unsigned char>(png[at + 3]);
+    };
+    const unsigned width = number(16), height = number(20);
+    const std::size_t idat = png.find("IDAT");
+    std::string raw(height * (1 + 2 * width), '\0');
+    uLongf size = raw.size();
+    EXPECT_EQ(uncompress(reinterpret_cast<Bytef*>(raw.data()), &size,
+                         reinterpret_cast<const Bytef*>(png.data() + idat + 4), number(idat - 4)),
+              Z_OK);
+    std::vector<std::vector<bool>> pixels(height, std::vector<bool>(width));
+    for (unsigned y = 0; y < height; ++y)
+        for (unsigned x = 0; x < width; ++x) pixels[y][x] = raw[y * (1 + 2 * width) + 1 + 2 * x + 1] != 0;
+    return pixels;
+}
+
 TEST(DrawingPlan, FitsTheDrawingInThePlanWithTheFaultyObjectsAsLinks) {
     DrawingPlan plan;
     EXPECT_EQ(plan.svg(), "") << "no geometry, no plan";
     plan.add({{{{0, 0}, {100, 50}}}, false}, "", "");
     plan.add({{{{10, 10}, {20, 10}, {20, 20}}}, true}, "d1-2A", "2A Polyline <ROADS>");
     const std::string svg = plan.svg();
-    // 100 x 50 units into 480 x 320 pixels: 4.8 pixels a unit, kept to half pixels, y upwards.
-    EXPECT_NE(svg.find("<path class=\"ok\" d=\"M0 480L960 0\"/>"), std::string::npos) << svg;
+    // 100 x 50 units into 480 x 320 pixels: 4.8 pixels a unit, kept to half pixels, y upwards,
+    // with a margin of 4 half pixels.
+    EXPECT_NE(svg.find("viewBox=\"-4 -4 968 488\" width=\"484\" height=\"244\""), std::string::npos) << svg;
     EXPECT_NE(svg.find("<a href=\"#d1-2A\"><path d=\"M96 384L192 384L192 288Z\"><title>2A Polyline &lt;ROADS&gt;</title>"),
               std::string::npos)
         << svg;
-    EXPECT_NE(svg.find("width=\"484\" height=\"244\""), std::string::npos) << svg;
+    // The line in grey, from the lower left to the upper right corner: the picture's diagonal.
+    const auto pixels = pictureOf(svg);
+    ASSERT_EQ(pixels.size(), 488u);
+    ASSERT_EQ(pixels[0].size(), 968u);
+    EXPECT_TRUE(pixels[484][4] && pixels[4][964] && pixels[244][484]);
+    EXPECT_FALSE(pixels[4][4] || pixels[484][964]);
+    std::size_t drawn = 0;
+    for (const auto& row : pixels) drawn += std::count(row.begin(), row.end(), true);
+    EXPECT_EQ(drawn, 961u) << "one pixel a column";
 }
 
 TEST(DrawingPlan, StaysSmallAndSaneOnCrowdedOrBrokenGeometry) {
     DrawingPlan plan;
-    plan.add({{{{0, 0}}}, false}, "", "");
-    plan.add({{{{1000, 1000}}}, false}, "", "");
-    // Ten thousand points on one spot are one dot; a point with no finite place is left out (the
-    // last shape keeps its one finite point), and a shape of nothing else is no shape at all.
-    for (int i = 0; i < 10000; ++i) plan.add({{{{500 + i * 1e-6, 500}}}, false}, "", "");
+    // A hundred thousand objects make a plan no larger than a few of them would.
+    for (long i = 0; i < 100000; ++i) {
+        const double a = i * 7919 % 1000, b = i * 104729 % 1000, c = i * 31 % 1000, d = i * 17 % 1000;
+        plan.add({{{{a, b}, {c, d}}}, false}, "", "");
+    }
+    // What has no finite place is left out, and a shape of nothing else is no shape at all.
     plan.add({{{{NAN, 3}, {INFINITY, 4}}}, false}, "", "");
-    plan.add({{{{-1e308 * 10, 0}, {600, 600}}}, false}, "", "");
+    plan.add({{{{-1e308 * 10, 0}, {600, 600}}}, true}, "d1-1", "");
     const std::string svg = plan.svg();
-    // 1000 x 1000 units into 320 pixels high: 0.64 half pixels a unit.
-    EXPECT_EQ(count(svg, "h0"), 4u) << svg;
-    EXPECT_NE(svg.find("M0 640h0M640 0h0M320 320h0M384 256h0"), std::string::npos) << svg;
-    EXPECT_LT(svg.size(), 400u) << svg;
+    EXPECT_LT(svg.size(), 200000u);
+    // 0 .. 999 units both ways into 320 pixels high.
+    EXPECT_NE(svg.find("viewBox=\"-4 -4 648 648\""), std::string::npos) << svg.substr(0, 200);
+    EXPECT_NE(svg.find("<path d=\"M384 256h0\">"), std::string::npos) << svg.substr(svg.find("<g"));
     EXPECT_EQ(svg.find("nan"), std::string::npos);
     EXPECT_EQ(svg.find("inf"), std::string::npos);
 }
