@@ -5,7 +5,7 @@ set -euo pipefail
 
 declare -A WANT=(
   [build]="cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libedit-dev"
-  [test]="python3-ezdxf librecad time"
+  [test]="python3-ezdxf librecad gdal-bin time"
   [bench]="python3-ezdxf gdal-bin time"
   [fuzz]="clang libclang-rt-14-dev"
   [desktop]="qt6-base-dev"
