@@ -92,6 +92,10 @@ ParsedExportOptions parseExportOptions(const std::vector<std::string>& arguments
 }
 
 int runExport(const std::vector<std::string>& arguments) {
+    if (arguments.size() == 1 && (arguments[0] == "--help" || arguments[0] == "-h")) {
+        std::cout << exportUsageText();
+        return kCheckClean;
+    }
     const ParsedExportOptions parsed = parseExportOptions(arguments);
     if (!parsed.error.empty()) {
         std::cerr << "veltarn export: " << parsed.error << "\n" << exportUsageText();

@@ -148,6 +148,10 @@ TEST_F(Export, ErrorsNameTheirCauseAndLeaveTheOutputAsItWas) {
         EXPECT_EQ(run.out, "--- stderr\nveltarn export: " + message + "\n" + usage) << arguments;
     }
 
+    const ShellRun help = exportRun("--help");
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(help.out, usage + "--- stderr\n");
+
     writeFile(dir_ / "out.geojson", "the old file\n");
     const ShellRun missing = exportRun("--classifier selection.classes.txt nowhere.dxf out.geojson");
     EXPECT_EQ(missing.exitCode, 3);
