@@ -8,6 +8,7 @@
 #include "cad/db/Handle.h"
 #include "classifier/EntityType.h"
 #include "commands/ClassTests.h"
+#include "host/LowerCase.h"
 #include "host/Utf8.h"
 
 namespace veltarn::app {
@@ -58,6 +59,7 @@ public:
             return;
         }
         const std::size_t before = check_.findings.size();
+        emptyRequired_.clear();
         std::vector<const ClassDef*> classes;
         for (const ObjectDataRecord& record : records) {
             const ClassDef* def = tests_.index().classOfRecord(record);
@@ -76,9 +78,13 @@ public:
             Faults faults;
             tests_.objectData().holds(records, *def, ValueCheck::kEveryField, &faults);
             if (entity) propertyTestHolds(*entity, *def, &faults);
-            for (const Fault& fault : faults)
+            for (const Fault& fault : faults) {
+                // A required field left empty is told once, as empty-required.
+                if (fault.code == FaultCode::kEmptyValue && emptyRequired_.contains({host::toLower(fault.table), host::toLower(fault.field)}))
+                    continue;
                 add(base, def, std::string(host::toUtf8(std::wstring(faultCodeName(fault.code)))), faultMessage(fault),
                     host::toUtf8(fault.expected));
+            }
         }
         if (classes.empty()) ++tally.foreign;
         else if (check_.findings.size() == before) ++tally.valid;
@@ -93,8 +99,9 @@ private:
         for (const FieldValue& value : record.fields) {
             if (value.type() != FieldType::Character || !value.text().empty()) continue;
             const FieldDef* field = table->findField(value.name());
-            if (field && (field->attributes & kAttributeRequired))
-                add(base, def, "empty-required", host::toUtf8(record.table + L"." + value.name() + L" is empty"),
+            if (!field || !(field->attributes & kAttributeRequired)) continue;
+            emptyRequired_.insert({host::toLower(record.table), host::toLower(value.name())});
+            add(base, def, "empty-required", host::toUtf8(record.table + L"." + value.name() + L" is empty"),
                     "a value");
         }
     }
@@ -111,12 +118,13 @@ private:
 
     ClassTests tests_;
     DrawingCheck& check_;
+    std::set<std::pair<std::wstring, std::wstring>> emptyRequired_;  // lower-case table and field, of the object in hand
 };
 
 }  // namespace
 
 DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
-                          std::mutex* readingClassifier) {
+                          std::mutex* readingClassifier, std::atomic<std::uint64_t>* objectsChecked) {
     DrawingCheck check;
     check.tally.drawing = drawing;
     // Audited before the classifier imports anything into it, so the findings are the file's.
@@ -154,7 +162,10 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
 
     check.tally.checked = true;
     ObjectChecker checker(*db, opened.classifier, check);
-    for (host::ObjectId id : objects) checker.check(id);
+    for (host::ObjectId id : objects) {
+        checker.check(id);
+        if (objectsChecked) objectsChecked->fetch_add(1, std::memory_order_relaxed);
+    }
     return check;
 }
 

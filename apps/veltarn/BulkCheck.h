@@ -2,6 +2,8 @@
 // and every object of model space tested; the findings, for a CAD manager's script.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <string>
@@ -32,8 +34,10 @@ struct DrawingCheck {
 // Checks `drawing` against the classifier file `classifier` (which the caller has found to be a
 // readable file). Nothing is written to the drawing. Drawings may be checked on several threads
 // at once, each with its own workbench; `readingClassifier`, when given, is held while the
-// classifier is read, since reading it brings patterns into the user's own files.
+// classifier is read, since reading it brings patterns into the user's own files. Each object
+// checked is counted into `objectsChecked` when given, for a progress bar.
 DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::path& classifier,
-                          std::mutex* readingClassifier = nullptr);
+                          std::mutex* readingClassifier = nullptr,
+                          std::atomic<std::uint64_t>* objectsChecked = nullptr);
 
 }  // namespace veltarn::app

@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <thread>
 
 #include "BulkCheck.h"
+#include "CheckProgress.h"
 #include "CheckReport.h"
 #include "base/RegularFile.h"
 #include "base/TextFileWrite.h"
@@ -132,24 +135,31 @@ int runCheck(const std::vector<std::string>& arguments) {
     std::vector<DrawingCheck> checks(options.drawings.size());
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     const std::size_t workers = std::min<std::size_t>(options.jobs ? options.jobs : cores, checks.size());
-    const bool progress = ::isatty(STDERR_FILENO);
+    // None in a pipe: a log would fill with redrawn lines.
+    std::unique_ptr<CheckProgress> progress;
+    if (::isatty(STDERR_FILENO)) {
+        std::vector<std::uintmax_t> sizes;
+        for (const std::string& drawing : options.drawings) {
+            std::error_code error;
+            const std::uintmax_t size = std::filesystem::file_size(drawing, error);
+            sizes.push_back(error ? 0 : size);
+        }
+        progress = std::make_unique<CheckProgress>(std::move(sizes));
+    }
     std::atomic<std::size_t> next{0};
-    std::size_t done = 0;
-    std::mutex readingClassifier, progressMutex;
+    std::mutex readingClassifier;
     auto work = [&] {
         for (std::size_t i = next++; i < checks.size(); i = next++) {
-            checks[i] = checkDrawing(options.drawings[i], options.classifier, &readingClassifier);
-            if (!progress) continue;
-            const std::lock_guard<std::mutex> guard(progressMutex);
-            std::fprintf(stderr, "\rchecked %zu of %zu drawings", ++done, checks.size());
-            std::fflush(stderr);
+            checks[i] = checkDrawing(options.drawings[i], options.classifier, &readingClassifier,
+                                     progress ? &progress->objects() : nullptr);
+            if (progress) progress->drawingDone(i);
         }
     };
     std::vector<std::thread> threads;
     for (std::size_t i = 1; i < workers; ++i) threads.emplace_back(work);
     work();
     for (std::thread& thread : threads) thread.join();
-    if (progress) std::fputs("\n", stderr);
+    if (progress) progress->finish();
 
     std::vector<DrawingTally> tallies;
     std::vector<CheckFinding> findings;
