@@ -80,14 +80,18 @@ ParsedExportOptions parseExportOptions(const std::vector<std::string>& arguments
             positional.push_back(argument);
         }
     }
-    if (options.classifier.empty()) parsed.error = "a classifier is needed: --classifier FILE";
-    else if (positional.size() != 2) parsed.error = "one drawing and one file to write are needed";
+    if (options.classifier.empty())
+        parsed.error = "a classifier is needed: --classifier FILE";
+    else if (positional.size() != 2)
+        parsed.error = "one drawing and one file to write are needed";
     if (!parsed.error.empty()) return parsed;
     options.drawing = positional[0];
     options.out = positional[1];
     const std::optional<ExportFormat> format = formatOf(options.out);
-    if (!format) parsed.error = options.out + ": the file to write ends in .geojson or .csv";
-    else options.format = *format;
+    if (!format)
+        parsed.error = options.out + ": the file to write ends in .geojson or .csv";
+    else
+        options.format = *format;
     return parsed;
 }
 
@@ -130,8 +134,8 @@ int runExport(const std::vector<std::string>& arguments) {
     const std::string name = std::filesystem::path(options.drawing).stem().string();
     const std::string bytes = options.format == ExportFormat::kCsv ? geoCsv(features) : geoJson(features, name);
     if (const std::string error = writeTextFile(options.out, bytes); !error.empty()) return fail(error);
-    const auto shapeless = std::count_if(features.begin(), features.end(),
-                                         [](const ExportFeature& f) { return !f.geometry.has_value(); });
+    const auto shapeless =
+        std::count_if(features.begin(), features.end(), [](const ExportFeature& f) { return !f.geometry.has_value(); });
     std::cout << "exported " << features.size() << " classified objects to " << options.out;
     if (shapeless) std::cout << " (" << shapeless << " without geometry)";
     std::cout << "\n";

@@ -12,11 +12,16 @@ namespace {
 
 ExportValue exportValue(const FieldValue& value) {
     switch (value.type()) {
-        case FieldType::Integer: return std::int64_t{value.integerValue()};
-        case FieldType::Real: return value.realValue();
-        case FieldType::Character: return host::toUtf8(value.text());
-        case FieldType::Point: return value.pointValue();
-        case FieldType::None: break;
+        case FieldType::Integer:
+            return std::int64_t{value.integerValue()};
+        case FieldType::Real:
+            return value.realValue();
+        case FieldType::Character:
+            return host::toUtf8(value.text());
+        case FieldType::Point:
+            return value.pointValue();
+        case FieldType::None:
+            break;
     }
     return std::monostate{};
 }

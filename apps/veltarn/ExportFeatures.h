@@ -23,7 +23,7 @@ struct ExportProperty {
 };
 
 struct ExportFeature {
-    std::string handle, type, layer, className;  // type: the classifier's entity type name
+    std::string handle, type, layer, className;   // type: the classifier's entity type name
     std::vector<ExportProperty> properties;       // the records' fields, record by record
     std::optional<host::EntityOutline> geometry;  // none when the object has no finite shape
 };

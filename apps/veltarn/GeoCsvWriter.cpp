@@ -17,7 +17,8 @@ std::string position(const host::Point3d& p, bool withZ) {
 
 std::string positions(const std::vector<host::Point3d>& part, bool withZ, bool ring) {
     std::string out = "(";
-    for (std::size_t i = 0; i < part.size(); ++i) out += (i ? ", " : "") + position(part[i], withZ);
+    for (std::size_t i = 0; i < part.size(); ++i)
+        out += (i ? ", " : "") + position(part[i], withZ);
     if (ring && !part.empty()) out += ", " + position(part.front(), withZ);
     return out + ")";
 }
@@ -33,12 +34,14 @@ std::string wkt(const std::optional<host::EntityOutline>& outline) {
         case host::EntityOutline::Kind::kLine: {
             if (parts.size() == 1) return "LINESTRING" + z + positions(parts.front(), withZ, false);
             std::string lines;
-            for (std::size_t i = 0; i < parts.size(); ++i) lines += (i ? ", " : "") + positions(parts[i], withZ, false);
+            for (std::size_t i = 0; i < parts.size(); ++i)
+                lines += (i ? ", " : "") + positions(parts[i], withZ, false);
             return "MULTILINESTRING" + z + "(" + lines + ")";
         }
         case host::EntityOutline::Kind::kPolygon: {
             std::string rings;
-            for (std::size_t i = 0; i < parts.size(); ++i) rings += (i ? ", " : "") + positions(parts[i], withZ, true);
+            for (std::size_t i = 0; i < parts.size(); ++i)
+                rings += (i ? ", " : "") + positions(parts[i], withZ, true);
             return "POLYGON" + z + "(" + rings + ")";
         }
     }
@@ -63,15 +66,18 @@ std::string geoCsv(const std::vector<ExportFeature>& features) {
             if (columnOf.emplace(p.name, columns.size()).second) columns.push_back(p.name);
 
     std::string out = "WKT,handle,type,layer,class";
-    for (const std::string& column : columns) out += "," + csvField(column);
+    for (const std::string& column : columns)
+        out += "," + csvField(column);
     out += "\r\n";
     std::vector<std::string> cells;
     for (const ExportFeature& f : features) {
         cells.assign(columns.size(), "");
-        for (const ExportProperty& p : f.properties) cells[columnOf.at(p.name)] = text(p.value);
-        out += csvField(wkt(f.geometry)) + "," + csvField(f.handle) + "," + csvField(f.type) + "," +
-               csvField(f.layer) + "," + csvField(f.className);
-        for (const std::string& cell : cells) out += "," + csvField(cell);
+        for (const ExportProperty& p : f.properties)
+            cells[columnOf.at(p.name)] = text(p.value);
+        out += csvField(wkt(f.geometry)) + "," + csvField(f.handle) + "," + csvField(f.type) + "," + csvField(f.layer) +
+               "," + csvField(f.className);
+        for (const std::string& cell : cells)
+            out += "," + csvField(cell);
         out += "\r\n";
     }
     return out;

@@ -21,7 +21,8 @@ std::string position(const host::Point3d& p, bool withZ) {
 // The points of a part; a ring is closed by its first point again, as RFC 7946 asks.
 std::string positions(const std::vector<host::Point3d>& part, bool withZ, bool ring) {
     std::string out = "[";
-    for (std::size_t i = 0; i < part.size(); ++i) out += (i ? ", " : "") + position(part[i], withZ);
+    for (std::size_t i = 0; i < part.size(); ++i)
+        out += (i ? ", " : "") + position(part[i], withZ);
     if (ring && !part.empty()) out += ", " + position(part.front(), withZ);
     return out + "]";
 }
@@ -37,12 +38,14 @@ std::string geometry(const std::optional<host::EntityOutline>& outline) {
             if (parts.size() == 1)
                 return R"({"type": "LineString", "coordinates": )" + positions(parts.front(), withZ, false) + "}";
             std::string lines;
-            for (std::size_t i = 0; i < parts.size(); ++i) lines += (i ? ", " : "") + positions(parts[i], withZ, false);
+            for (std::size_t i = 0; i < parts.size(); ++i)
+                lines += (i ? ", " : "") + positions(parts[i], withZ, false);
             return R"({"type": "MultiLineString", "coordinates": [)" + lines + "]}";
         }
         case host::EntityOutline::Kind::kPolygon: {
             std::string rings;
-            for (std::size_t i = 0; i < parts.size(); ++i) rings += (i ? ", " : "") + positions(parts[i], withZ, true);
+            for (std::size_t i = 0; i < parts.size(); ++i)
+                rings += (i ? ", " : "") + positions(parts[i], withZ, true);
             return R"({"type": "Polygon", "coordinates": [)" + rings + "]}";
         }
     }
@@ -66,7 +69,8 @@ std::string geoJson(const std::vector<ExportFeature>& features, const std::strin
         out += R"({"type": "Feature", "properties": {"handle": )" + jsonString(f.handle) +
                ", \"type\": " + jsonString(f.type) + ", \"layer\": " + jsonString(f.layer) +
                ", \"class\": " + jsonString(f.className);
-        for (const ExportProperty& p : f.properties) out += ", " + jsonString(p.name) + ": " + value(p.value);
+        for (const ExportProperty& p : f.properties)
+            out += ", " + jsonString(p.name) + ": " + value(p.value);
         out += "}, \"geometry\": " + geometry(f.geometry) + "}";
         out += i + 1 < features.size() ? ",\n" : "\n";
     }

@@ -71,11 +71,11 @@ TEST_F(Export, TheClassifiedObjectsOfADrawingAreItsFeatures) {
 
     const ShellRun features = in("ogrinfo -ro -al -q out.geojson");
     ASSERT_EQ(features.exitCode, 0) << features.out;
-    for (const char* expected : {"  handle (String) = 9E\n  type (String) = Line\n  layer (String) = LAYER_00\n"
-                                 "  class (String) = Roads\n  ROADS.ID (String) = \n",
-                                 "  ROADS[2].ID (String) = Roads\n  ROADS[2].WIDTH (Real) = 18.324\n",
-                                 "  class (String) = Class 03\n", "  handle (String) = C0\n",
-                                 "  POINT (80.581 449.187)\n", "  PIPES.MATERIAL (String) = Unobtainium\n"})
+    for (const char* expected :
+         {"  handle (String) = 9E\n  type (String) = Line\n  layer (String) = LAYER_00\n"
+          "  class (String) = Roads\n  ROADS.ID (String) = \n",
+          "  ROADS[2].ID (String) = Roads\n  ROADS[2].WIDTH (Real) = 18.324\n", "  class (String) = Class 03\n",
+          "  handle (String) = C0\n", "  POINT (80.581 449.187)\n", "  PIPES.MATERIAL (String) = Unobtainium\n"})
         EXPECT_NE(features.out.find(expected), std::string::npos) << expected << "\n" << features.out;
 
     // Every feature against the drawing: geometry type, curves, every record's values.
@@ -100,11 +100,10 @@ TEST_F(Export, TheClassifiedObjectsOfADrawingAreItsFeatures) {
 // stray further.
 TEST_F(Export, CurvesStayWithinTheToleranceAsGdalReadsThem) {
     std::string output;
-    ASSERT_EQ(testtools::runPython(quote((testtools::toolsDir() / "gen_dxf.py").string()) + " 48 " +
-                                       quote((dir_ / "all.dxf").string()) +
-                                       " --kinds all --data all --tables 3 --classifier " +
-                                       quote((dir_ / "all.txt").string()),
-                                   &output),
+    ASSERT_EQ(testtools::runPython(
+                  quote((testtools::toolsDir() / "gen_dxf.py").string()) + " 48 " + quote((dir_ / "all.dxf").string()) +
+                      " --kinds all --data all --tables 3 --classifier " + quote((dir_ / "all.txt").string()),
+                  &output),
               0)
         << output;
     const ShellRun fine = exportRun("--classifier all.txt all.dxf fine.geojson");
@@ -134,7 +133,8 @@ TEST_F(Export, ErrorsNameTheirCauseAndLeaveTheOutputAsItWas) {
     for (const auto& [arguments, message] : std::vector<std::pair<std::string, std::string>>{
              {"selection.dxf out.geojson", "a classifier is needed: --classifier FILE"},
              {"--classifier selection.classes.txt selection.dxf", "one drawing and one file to write are needed"},
-             {"--classifier selection.classes.txt selection.dxf out.shp", "out.shp: the file to write ends in .geojson or .csv"},
+             {"--classifier selection.classes.txt selection.dxf out.shp",
+              "out.shp: the file to write ends in .geojson or .csv"},
              {"--classifier selection.classes.txt --tolerance 0 selection.dxf out.csv",
               "--tolerance needs a positive number of drawing units: '0'"},
              {"--classifier selection.classes.txt --tolerance nan selection.dxf out.csv",
