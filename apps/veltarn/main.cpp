@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "CheckCommand.h"
+#include "ExportCommand.h"
 #include "ReportCommand.h"
 #include "ClassifierCheck.h"
 #include "ProgramInputFeed.h"
@@ -73,6 +74,8 @@ int main(int argc, char** argv) {
         return app::runCheck(std::vector<std::string>(arguments.begin() + 1, arguments.end()));
     if (!arguments.empty() && arguments.front() == "report")
         return app::runReport(std::vector<std::string>(arguments.begin() + 1, arguments.end()));
+    if (!arguments.empty() && arguments.front() == "export")
+        return app::runExport(std::vector<std::string>(arguments.begin() + 1, arguments.end()));
     app::ParsedOptions parsed = app::parseProgramOptions(arguments);
     if (!parsed.error.empty()) {
         std::cerr << "veltarn: " << parsed.error << "\n" << app::usageText();

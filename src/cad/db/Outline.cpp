@@ -37,13 +37,15 @@ double signedArea(const std::vector<Point3>& ring) {
 std::optional<Outline> finish(Outline outline) {
     for (const auto& part : outline.parts)
         if (!std::all_of(part.begin(), part.end(), finite)) return std::nullopt;
-    for (auto& part : outline.parts) dropRepeats(part);
+    for (auto& part : outline.parts)
+        dropRepeats(part);
     std::erase_if(outline.parts, [](const std::vector<Point3>& part) { return part.empty(); });
     if (outline.parts.empty()) return std::nullopt;
 
     if (outline.shape == Outline::Shape::Polygon) {
         for (auto& ring : outline.parts)
-            while (ring.size() > 1 && closesOn(ring.back(), ring.front())) ring.pop_back();
+            while (ring.size() > 1 && closesOn(ring.back(), ring.front()))
+                ring.pop_back();
         std::vector<Point3>& outer = outline.parts.front();
         if (outer.size() < 3) {
             std::vector<Point3> line = std::move(outer);
@@ -73,8 +75,8 @@ std::optional<Outline> outline(const TagList& tags, double tolerance) {
     if (tags.empty()) return std::nullopt;
     if (!(tolerance > 0)) tolerance = 0;  // NaN too: the finest the caps allow
     const EntityKindOps* kind = kindOf(tags);
-    std::optional<Outline> made = kind && kind->outline ? kind->outline(tags, tolerance)
-                                                        : outline_support::pointAt(tags, gc::kX, false);
+    std::optional<Outline> made =
+        kind && kind->outline ? kind->outline(tags, tolerance) : outline_support::pointAt(tags, gc::kX, false);
     if (!made) return std::nullopt;
     return finish(std::move(*made));
 }

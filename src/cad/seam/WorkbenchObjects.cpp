@@ -180,7 +180,8 @@ public:
         for (const auto& part : made->parts) {
             auto& points = out.parts.emplace_back();
             points.reserve(part.size());
-            for (const db::Point3& p : part) points.push_back({p.x, p.y, p.z});
+            for (const db::Point3& p : part)
+                points.push_back({p.x, p.y, p.z});
         }
         return out;
     }

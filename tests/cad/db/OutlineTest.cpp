@@ -45,7 +45,8 @@ protected:
     TagList solid(const char* type, const std::vector<Point3>& corners) {
         TagList tags = newEntity(drawing, type);
         tags.add(gc::kSubclass, std::string(type) == "3DFACE" ? "AcDbFace" : "AcDbTrace");
-        for (std::size_t i = 0; i < corners.size(); ++i) tags.addPoint(gc::kX + static_cast<int>(i), corners[i]);
+        for (std::size_t i = 0; i < corners.size(); ++i)
+            tags.addPoint(gc::kX + static_cast<int>(i), corners[i]);
         return tags;
     }
     TagList spline(int degree, const std::vector<double>& knots, const std::vector<Point3>& controls,
@@ -56,9 +57,12 @@ protected:
         tags.addInteger(gc::kInt71, degree);
         tags.addInteger(gc::kInt72, static_cast<std::int64_t>(knots.size()));
         tags.addInteger(gc::kInt73, static_cast<std::int64_t>(controls.size()));
-        for (double k : knots) tags.addReal(gc::kReal, k);
-        for (double w : weights) tags.addReal(gc::kReal2, w);
-        for (const Point3& p : controls) tags.addPoint(gc::kX, p);
+        for (double k : knots)
+            tags.addReal(gc::kReal, k);
+        for (double w : weights)
+            tags.addReal(gc::kReal2, w);
+        for (const Point3& p : controls)
+            tags.addPoint(gc::kX, p);
         return tags;
     }
 
@@ -97,7 +101,8 @@ TEST_F(OutlineTest, CirclesAndArcsStayWithinTheToleranceWithNoMoreChordsThanNeed
         EXPECT_NEAR(path.front().y, center.y + c.radius * std::sin(start), 1e-9 * c.radius);
         EXPECT_NEAR(path.back().x, center.x + c.radius * std::cos(end), 1e-9 * c.radius);
         EXPECT_NEAR(path.back().y, center.y + c.radius * std::sin(end), 1e-9 * c.radius);
-        for (const Point3& p : path) EXPECT_GT(p.x - center.x, 0) << "the arc stays right of its centre";
+        for (const Point3& p : path)
+            EXPECT_GT(p.x - center.x, 0) << "the arc stays right of its centre";
     }
 }
 
@@ -119,7 +124,8 @@ TEST_F(OutlineTest, BulgesAreArcsAndClosedPolylinesArePolygons) {
     // Clockwise, above the chord.
     auto above = outline(newLwpolyline(drawing, {{{0, 0, 0}, -1}, {{10, 0, 0}, 0}}, false), 0.01);
     ASSERT_TRUE(above);
-    for (const Point3& p : above->parts[0]) EXPECT_GE(p.y, -1e-12);
+    for (const Point3& p : above->parts[0])
+        EXPECT_GE(p.y, -1e-12);
 
     // Closed: a polygon whose closing segment bulges too, from (10,10) back to (0,0) round (5,5).
     // Drawn clockwise, its ring is turned counter-clockwise.
@@ -142,7 +148,8 @@ TEST_F(OutlineTest, BulgesAreArcsAndClosedPolylinesArePolygons) {
     for (const Point3& p : ring)
         if (p.x - p.y > 1e-9) arcPart.push_back(p);
     ASSERT_GT(arcPart.size(), 4u);
-    for (const Point3& p : arcPart) EXPECT_NEAR(distance(p, {5, 5, 0}), 5 * std::sqrt(2.0), 1e-9);
+    for (const Point3& p : arcPart)
+        EXPECT_NEAR(distance(p, {5, 5, 0}), 5 * std::sqrt(2.0), 1e-9);
 
     // The same polyline open is a line that ends where its last vertex is.
     auto open = outline(newLwpolyline(drawing, {{{0, 0, 0}, 0}, {{0, 10, 0}, 0}, {{10, 10, 0}, -1}}, false), 0.05);
@@ -197,8 +204,7 @@ TEST_F(OutlineTest, EntitiesInTheirOwnPlaneLandInWcs) {
 TEST_F(OutlineTest, SplinesFollowTheirCurveAndFitPointsStandInWithoutControlPoints) {
     // A rational quadratic with the middle weight sqrt(2)/2 is exactly a quarter circle.
     const double w = std::sqrt(2.0) / 2;
-    auto quarter =
-        outline(spline(2, {0, 0, 0, 1, 1, 1}, {{10, 0, 0}, {10, 10, 0}, {0, 10, 0}}, {1, w, 1}), 0.001);
+    auto quarter = outline(spline(2, {0, 0, 0, 1, 1, 1}, {{10, 0, 0}, {10, 10, 0}, {0, 10, 0}}, {1, w, 1}), 0.001);
     ASSERT_TRUE(quarter);
     ASSERT_EQ(quarter->shape, Shape::Line);
     expectOnCircle(quarter->parts[0], {0, 0, 0}, 10, 0.001);
@@ -207,8 +213,8 @@ TEST_F(OutlineTest, SplinesFollowTheirCurveAndFitPointsStandInWithoutControlPoin
 
     // A cubic of two spans with an interior knot: it starts and ends on its end control points,
     // and lies inside their hull (between the lowest and the highest control point).
-    auto cubic = outline(spline(3, {0, 0, 0, 0, 1, 2, 2, 2, 2}, {{0, 0, 0}, {2, 6, 0}, {5, -4, 0}, {8, 6, 0}, {10, 0, 0}}, {}),
-                         0.01);
+    auto cubic = outline(
+        spline(3, {0, 0, 0, 0, 1, 2, 2, 2, 2}, {{0, 0, 0}, {2, 6, 0}, {5, -4, 0}, {8, 6, 0}, {10, 0, 0}}, {}), 0.01);
     ASSERT_TRUE(cubic);
     const std::vector<Point3>& curve = cubic->parts[0];
     EXPECT_EQ(curve.front(), (Point3{0, 0, 0}));
@@ -223,7 +229,8 @@ TEST_F(OutlineTest, SplinesFollowTheirCurveAndFitPointsStandInWithoutControlPoin
     TagList fitted = newEntity(drawing, "SPLINE");
     fitted.add(gc::kSubclass, "AcDbSpline");
     fitted.addInteger(gc::kFlags, 1);
-    for (const Point3& p : {Point3{0, 0, 0}, Point3{5, 1, 0}, Point3{3, 6, 0}}) fitted.addPoint(gc::kX2, p);
+    for (const Point3& p : {Point3{0, 0, 0}, Point3{5, 1, 0}, Point3{3, 6, 0}})
+        fitted.addPoint(gc::kX2, p);
     auto ring = outline(fitted, 0.01);
     ASSERT_TRUE(ring);
     EXPECT_EQ(ring->shape, Shape::Polygon);
@@ -239,7 +246,8 @@ TEST_F(OutlineTest, HatchRingsComeOuterFirstWithTheirEdgesCurves) {
     hole.edges.push_back({2, {{10, "5"}, {20, "5"}, {40, "2"}, {50, "0"}, {51, "360"}, {73, "1"}}});
     HatchPath outer;
     outer.flags = 1;
-    for (auto [a, b] : {std::pair<Point3, Point3>{{0, 0, 0}, {10, 0, 0}}, {{10, 0, 0}, {10, 10, 0}},
+    for (auto [a, b] : {std::pair<Point3, Point3>{{0, 0, 0}, {10, 0, 0}},
+                        {{10, 0, 0}, {10, 10, 0}},
                         {{0, 10, 0}, {10, 10, 0}},  // written end first
                         {{0, 10, 0}, {0, 0, 0}}}) {
         TagList edge;
@@ -280,7 +288,8 @@ TEST_F(OutlineTest, HatchRingsComeOuterFirstWithTheirEdgesCurves) {
 TEST_F(OutlineTest, LeadersMultilinesAndBlockReferencesHaveTheirShapes) {
     TagList leader = newEntity(drawing, "LEADER");
     leader.add(gc::kSubclass, "AcDbLeader");
-    for (const Point3& p : {Point3{0, 0, 0}, Point3{5, 5, 0}, Point3{9, 5, 0}}) leader.addPoint(gc::kX, p);
+    for (const Point3& p : {Point3{0, 0, 0}, Point3{5, 5, 0}, Point3{9, 5, 0}})
+        leader.addPoint(gc::kX, p);
     auto line = outline(leader, 0.01);
     ASSERT_TRUE(line);
     EXPECT_EQ(line->shape, Shape::Line);
@@ -312,8 +321,8 @@ TEST_F(OutlineTest, HostileValuesGiveSaneOutlinesOrNone) {
         auto bulge = outline(newLwpolyline(drawing, {{{0, 0, 0}, 1e300}, {{1, 0, 0}, 0}}, false), tolerance);
         ASSERT_TRUE(bulge) << "a bulge near a full turn is a huge circle, but a finite one";
         EXPECT_LE(bulge->parts[0].size(), static_cast<std::size_t>(kMaxTurnPieces) + 1);
-        auto curve = outline(spline(3, {0, 0, 0, 0, 1, 1, 1, 1}, {{0, 0, 0}, {1, 5, 0}, {4, -5, 0}, {5, 0, 0}}, {}),
-                             tolerance);
+        auto curve =
+            outline(spline(3, {0, 0, 0, 0, 1, 1, 1, 1}, {{0, 0, 0}, {1, 5, 0}, {4, -5, 0}, {5, 0, 0}}, {}), tolerance);
         ASSERT_TRUE(curve);
         // Past the cap, the pieces already begun are finished unhalved.
         EXPECT_LE(curve->parts[0].size(), 4u * kMaxTurnPieces + 32);
@@ -337,8 +346,8 @@ TEST_F(OutlineTest, HostileValuesGiveSaneOutlinesOrNone) {
 
     // Control data that make no spline fall back to the control points, joined straight.
     const std::vector<Point3> controls{{0, 0, 0}, {1, 5, 0}, {4, -5, 0}, {5, 0, 0}};
-    for (const TagList& broken : {spline(3, {1, 0, 0, 0, 1, 1, 1, 1}, controls, {}),      // knots run backwards
-                                  spline(0, {0, 0, 0, 0}, controls, {}),                  // degree 0
+    for (const TagList& broken : {spline(3, {1, 0, 0, 0, 1, 1, 1, 1}, controls, {}),        // knots run backwards
+                                  spline(0, {0, 0, 0, 0}, controls, {}),                    // degree 0
                                   spline(1000000, {0, 0, 0, 0, 1, 1, 1, 1}, controls, {}),  // counts disagree
                                   spline(3, {0, 0, 0, 0, 1, 1, 1, 1}, controls, {1, -1, 1, 1})}) {
         auto fallback = outline(broken, 0.01);

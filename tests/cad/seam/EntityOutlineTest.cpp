@@ -18,9 +18,12 @@ namespace {
 std::string shapeName(const std::optional<host::EntityOutline>& outline) {
     if (!outline) return "none";
     switch (outline->kind) {
-        case host::EntityOutline::Kind::kPoint: return "point";
-        case host::EntityOutline::Kind::kLine: return "line";
-        case host::EntityOutline::Kind::kPolygon: return "polygon";
+        case host::EntityOutline::Kind::kPoint:
+            return "point";
+        case host::EntityOutline::Kind::kLine:
+            return "line";
+        case host::EntityOutline::Kind::kPolygon:
+            return "polygon";
     }
     return "?";
 }
@@ -62,15 +65,29 @@ TEST(EntityOutline, EveryKindGivesItsShapeThroughTheSeam) {
         }
     }
     // The generator's polylines are closed or not by chance; its 2D POLYLINEs are open.
-    std::map<std::string, std::set<std::string>> expected{
-        {"LINE", {"line"}},        {"CIRCLE", {"polygon"}},         {"ARC", {"line"}},
-        {"LWPOLYLINE", {"line", "polygon"}},                        {"TEXT", {"point"}},
-        {"INSERT", {"point"}},     {"POINT", {"point"}},            {"ELLIPSE", {"polygon"}},
-        {"POLYLINE/", {"line"}},   {"POLYLINE/3DPolyline", {"line"}}, {"POLYLINE/PolyFaceMesh", {"none"}},
-        {"3DFACE", {"polygon"}},   {"SOLID", {"polygon"}},          {"SPLINE", {"line"}},
-        {"XLINE", {"none"}},       {"RAY", {"none"}},               {"MTEXT", {"point"}},
-        {"HATCH", {"polygon"}},    {"DIMENSION", {"point"}},        {"MLINE", {"line"}},
-        {"MULTILEADER", {"point"}}, {"WIPEOUT", {"polygon"}},       {"MESH", {"none"}}};
+    std::map<std::string, std::set<std::string>> expected{{"LINE", {"line"}},
+                                                          {"CIRCLE", {"polygon"}},
+                                                          {"ARC", {"line"}},
+                                                          {"LWPOLYLINE", {"line", "polygon"}},
+                                                          {"TEXT", {"point"}},
+                                                          {"INSERT", {"point"}},
+                                                          {"POINT", {"point"}},
+                                                          {"ELLIPSE", {"polygon"}},
+                                                          {"POLYLINE/", {"line"}},
+                                                          {"POLYLINE/3DPolyline", {"line"}},
+                                                          {"POLYLINE/PolyFaceMesh", {"none"}},
+                                                          {"3DFACE", {"polygon"}},
+                                                          {"SOLID", {"polygon"}},
+                                                          {"SPLINE", {"line"}},
+                                                          {"XLINE", {"none"}},
+                                                          {"RAY", {"none"}},
+                                                          {"MTEXT", {"point"}},
+                                                          {"HATCH", {"polygon"}},
+                                                          {"DIMENSION", {"point"}},
+                                                          {"MLINE", {"line"}},
+                                                          {"MULTILEADER", {"point"}},
+                                                          {"WIPEOUT", {"polygon"}},
+                                                          {"MESH", {"none"}}};
     EXPECT_EQ(seen, expected);
 }
 

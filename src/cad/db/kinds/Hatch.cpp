@@ -284,7 +284,8 @@ std::optional<Outline> hatchOutline(const TagList& tags, double tolerance) {
     for (const HatchPath& path : paths) {
         std::vector<Point3> points = ring(path, tolerance);
         if (points.empty()) continue;
-        for (Point3& p : points) p.z = elevation;
+        for (Point3& p : points)
+            p.z = elevation;
         outline_support::toWcs(points, normal);
         out.parts.push_back(std::move(points));
     }

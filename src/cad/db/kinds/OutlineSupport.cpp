@@ -68,15 +68,16 @@ private:
     Point3 at(std::size_t k, double t) {
         const auto p = static_cast<std::size_t>(s_.degree);
         const std::vector<double>& u = s_.knots;
-        for (std::size_t j = 0; j <= p; ++j) scratch_[j] = weighted_[j + k - p];
+        for (std::size_t j = 0; j <= p; ++j)
+            scratch_[j] = weighted_[j + k - p];
         for (std::size_t r = 1; r <= p; ++r) {
             for (std::size_t j = p; j >= r; --j) {
                 const double left = u[j + k - p], span = u[j + 1 + k - r] - left;
                 const double alpha = span > 0 ? (t - left) / span : 0;
                 Weighted& d = scratch_[j];
                 const Weighted& e = scratch_[j - 1];
-                d = {(1 - alpha) * e.x + alpha * d.x, (1 - alpha) * e.y + alpha * d.y,
-                     (1 - alpha) * e.z + alpha * d.z, (1 - alpha) * e.w + alpha * d.w};
+                d = {(1 - alpha) * e.x + alpha * d.x, (1 - alpha) * e.y + alpha * d.y, (1 - alpha) * e.z + alpha * d.z,
+                     (1 - alpha) * e.w + alpha * d.w};
             }
         }
         const Weighted& d = scratch_[p];
@@ -199,7 +200,8 @@ Point3 toWcs(const Point3& point, const Point3& normal) {
 void toWcs(std::vector<Point3>& points, const Point3& normal) {
     if (explode_support::isDefaultNormal(normal)) return;
     const Ocs ocs(normal);
-    for (Point3& p : points) p = ocs.toWcs(p);
+    for (Point3& p : points)
+        p = ocs.toWcs(p);
 }
 
 Outline pointOutline(const Point3& point) { return {Outline::Shape::Point, {{point}}}; }

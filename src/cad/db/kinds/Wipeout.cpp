@@ -26,7 +26,8 @@ std::optional<Outline> outline(const TagList& tags, double) {
     auto [from, to] = tags.subclass(marker);
     if (from == TagList::npos) std::tie(from, to) = tags.subclass(marker = "AcDbRasterImage");
     if (from == TagList::npos) return std::nullopt;
-    const auto insertion = tags.point(gc::kX, from, to), u = tags.point(gc::kX2, from, to), v = tags.point(gc::kX3, from, to);
+    const auto insertion = tags.point(gc::kX, from, to), u = tags.point(gc::kX2, from, to),
+               v = tags.point(gc::kX3, from, to);
     if (!insertion || !u || !v) return std::nullopt;
     std::vector<Point3> boundary = pointList(tags, marker, kBoundary);
     if (boundary.size() == 2)
@@ -35,7 +36,8 @@ std::optional<Outline> outline(const TagList& tags, double) {
     const Point3 origin = *insertion + *u * 0.5 - *v * 0.5;
     const double height = tags.point(kImageSize, from, to).value_or(Point3{1, 1, 0}).y;
     std::vector<Point3> ring;
-    for (const Point3& p : boundary) ring.push_back(origin + *u * p.x + *v * (height - p.y));
+    for (const Point3& p : boundary)
+        ring.push_back(origin + *u * p.x + *v * (height - p.y));
     return outline_support::pathOutline(std::move(ring), true);
 }
 

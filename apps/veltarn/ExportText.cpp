@@ -1,0 +1,64 @@
+#include "ExportText.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace veltarn::app::export_text {
+
+std::string number(double value) {
+    if (!std::isfinite(value)) return "";
+    if (value == 0) return "0";  // and -0, which some readers take badly
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
+    return std::string(text, end);
+}
+
+std::string jsonString(const std::string& text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        switch (c) {
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    char escaped[8];
+                    std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+                    out += escaped;
+                } else {
+                    out += c;
+                }
+        }
+    }
+    return out + "\"";
+}
+
+std::string csvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string out = "\"";
+    for (const char c : text)
+        out += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return out + "\"";
+}
+
+bool hasZ(const host::EntityOutline& outline) {
+    for (const auto& part : outline.parts)
+        for (const host::Point3d& p : part)
+            if (p.z != 0) return true;
+    return false;
+}
+
+}  // namespace veltarn::app::export_text
