@@ -88,10 +88,8 @@ std::string usageText() {
            "       veltarn --recover DRAWING [--save-as OUT]\n"
            "       veltarn check --classifier FILE [--report OUT.jsonl|OUT.csv|OUT.html]... [--from LIST] [--jobs N]\n"
            "                     [--shard K/N] DRAWING...\n"
-           "       veltarn report --merge OUT.jsonl|OUT.csv|OUT.html REPORT.jsonl...
-"
-           "       veltarn export --classifier FILE [--tolerance T] DRAWING OUT.geojson|OUT.csv
-"
+           "       veltarn report --merge OUT.jsonl|OUT.csv|OUT.html REPORT.jsonl...\n"
+           "       veltarn export --classifier FILE [--tolerance T] DRAWING OUT.geojson|OUT.csv\n"
            "\n"
            "Opens DRAWING (a DXF file, ASCII or binary, R12 to 2018; a new drawing when none is\n"
            "given), runs the scripts and command texts in the order given, then, with --save-as,\n"
