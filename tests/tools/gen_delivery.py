@@ -13,8 +13,9 @@ FOLDER receives:
                         drawings with valid objects, objects without data, records of a table the
                         classifier does not know and records whose key names no class, and one
                         object for each fault of values, records and properties; an entity on a
-                        layer the drawing does not define (an AUDIT finding); south.dxf lacks a
-                        layer a class names, which the classifier's reader warns about
+                        layer the drawing does not define (an AUDIT finding); a faulty object in
+                        paper space, which the check passes over. south.dxf lacks a layer a
+                        class names, which the classifier's reader warns about
   old-roads.dxf         a drawing whose own definition of a table disagrees with the classifier's:
                         the reader stops on it, and its objects are not checked
   cut-short.dxf         a drawing cut off half-way, which cannot be read
@@ -31,7 +32,7 @@ FOLDER receives:
         name a classifier message quotes; empty for the others. A value finding may also have
         "found": the value its message must quote, as the drawing holds it.
 
-The same folder name always gives the same files. Object data is laid out as gen_dxf.py lays it
+Every run writes the same files, byte for byte. Object data is laid out as gen_dxf.py lays it
 out, through its helpers.
 """
 import json
@@ -218,6 +219,8 @@ def network_drawing(name, seed, with_cables=True, version="R2018"):
     d.plant("circle", "LAYER_01", [(ASSET, [asset(rng, "Hydrant")])])
     if with_cables:
         d.plant("line", "CABLES", [(CABLES, [["Cable", 11000]])])
+    # Paper space is not checked: a faulty road there is neither counted nor reported.
+    attach_records(MAKERS["line"](d.doc.layout("Layout1"), rng, {"layer": "ROADS"}), ROADS, [replaced(road(rng), 3, 99.0)])
     # Valid at the edges of the rules: a range's ends, a list in another case, an empty text in a
     # field that is not required (legal whatever its list or constant).
     d.plant("line", "ROADS", [(ROADS, [["Road", "Hauptstraße", "gravel", 30.0, 6]])])
