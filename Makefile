@@ -25,6 +25,7 @@ bench: build
 	@scripts/bench.sh $(BUILD)
 	@scripts/bench-subsystems.sh $(BUILD)
 	@scripts/bench-commands.sh $(BUILD)
+	@scripts/bench-check.sh $(BUILD)
 
 fuzz:
 	@scripts/install-deps.sh build fuzz

@@ -21,6 +21,8 @@ Options:
   --tables N       object-data tables: ROADS, PIPES, then CLASS_03... (default 2)
   --faulty F       the share of records (0 to 1) given a value outside its list or range, or an
                    empty key, so that value checks have something to find (default 0)
+  --keep-keys      faulty records keep their key: every record stays of its class, only its
+                   values break the rules
   --one-record     one record for every entity that has data (by default every seventh has two)
   --classifier F   also write the classifier that defines the tables' classes, lists and ranges
   --duplicates F   the share (below 1) of entities that are copies of the entity before them,
@@ -99,12 +101,12 @@ def field_value(rng, table, index, faulty):
     return f"{field.lower()} {rng.randint(1, 999)}"
 
 
-def record(rng, table, faulty):
+def record(rng, table, faulty, keep_key=False):
     # Only a field with a list or a range can hold a wrong value; a free text never does.
     breakable = [i for i, (_, _, allowed) in enumerate(table.fields) if i > 0 and allowed is not None]
     bad = rng.choice(breakable) if faulty else -1
     # A faulty record breaks one field only; a key made empty breaks the key.
-    if faulty and rng.random() < 0.25:
+    if faulty and not keep_key and rng.random() < 0.25:
         bad = 0
     return [field_value(rng, table, i, i == bad) for i in range(len(table.fields))]
 
@@ -292,6 +294,7 @@ def main(argv):
     parser.add_argument("--data", default="some", choices=["none", "some", "all"])
     parser.add_argument("--tables", type=int, default=2)
     parser.add_argument("--faulty", type=float, default=0.0)
+    parser.add_argument("--keep-keys", action="store_true")
     parser.add_argument("--one-record", action="store_true")
     parser.add_argument("--classifier")
     parser.add_argument("--faulty-list")
@@ -336,7 +339,7 @@ def main(argv):
             rows, faulty = [], False
             for _ in range(2 if i % 7 == 0 and not args.one_record else 1):
                 fault = rng.random() < args.faulty  # drawn before the record's own values
-                rows.append(record(rng, table, fault))
+                rows.append(record(rng, table, fault, args.keep_keys))
                 faulty = faulty or fault
             attach_records(entity, table, rows)
             if faulty:
