@@ -36,7 +36,9 @@ std::vector<ExportFeature> features() {
 
 // GDAL's reading of `bytes` written to a file NAME, as GeoJSON GDAL writes itself.
 std::string throughGdal(const std::string& name, const std::string& bytes, const std::string& options = "") {
-    const auto dir = testtools::scratchDir("cli", "geo_writers");
+    // A folder a test: ctest runs the tests of this file side by side.
+    const auto dir = testtools::scratchDir("cli", std::string("geo_writers_") +
+                                                      ::testing::UnitTest::GetInstance()->current_test_info()->name());
     testtools::writeBytes(dir / name, bytes);
     std::string out;
     const int code = testtools::runCommand(

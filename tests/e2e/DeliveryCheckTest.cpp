@@ -60,12 +60,13 @@ protected:
 // report's findings in its order, column for column. An empty required text is planted as one
 // finding, empty-required (empty-value is for notempty fields).
 TEST_F(DeliveryCheck, TheReportsHoldExactlyThePlantedFindings) {
-    const ShellRun run = check("--report out.jsonl --report out.csv " + kAll);
+    const ShellRun run = check("--report out.jsonl --report out.csv --report out.html " + kAll);
     EXPECT_EQ(run.exitCode, 3) << run.out;
-    const ShellRun compared = compare(at("out.jsonl") + " " + at("out.csv"));
+    const ShellRun compared = compare(at("out.jsonl") + " " + at("out.csv") + " " + at("out.html"));
     EXPECT_EQ(compared.exitCode, 0) << compared.out;
     EXPECT_NE(compared.out.find("out.jsonl: "), std::string::npos) << compared.out;
     EXPECT_NE(compared.out.find("out.csv: the same findings as "), std::string::npos) << compared.out;
+    EXPECT_NE(compared.out.find("out.html: the same findings as "), std::string::npos) << compared.out;
 }
 
 // Each drawing's row counts its objects as the generator planted them, the total row their sums;
