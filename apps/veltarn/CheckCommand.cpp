@@ -15,8 +15,8 @@
 #include "CheckProgress.h"
 #include "CheckReport.h"
 #include "HtmlReport.h"
+#include "ReportWriter.h"
 #include "base/RegularFile.h"
-#include "base/TextFileWrite.h"
 
 namespace veltarn::app {
 
@@ -132,10 +132,14 @@ int runCheck(const std::vector<std::string>& arguments) {
         return kCheckUnreadable;
     }
 
-    // One drawing a worker at a time, each with its own workbench; the results kept in input order.
-    std::vector<DrawingCheck> checks(options.drawings.size());
+    // One drawing a worker at a time, each with its own workbench. A drawing's findings go to the
+    // reports as soon as those of every drawing before it have, and are then let go: memory holds
+    // the drawings in flight and those done early, not the whole delivery's findings.
+    const std::size_t count = options.drawings.size();
+    std::vector<DrawingCheck> checks(count);
+    std::vector<char> done(count, 0);
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
-    const std::size_t workers = std::min<std::size_t>(options.jobs ? options.jobs : cores, checks.size());
+    const std::size_t workers = std::min<std::size_t>(options.jobs ? options.jobs : cores, count);
     // None in a pipe: a log would fill with redrawn lines.
     std::unique_ptr<CheckProgress> progress;
     if (::isatty(STDERR_FILENO)) {
@@ -147,20 +151,46 @@ int runCheck(const std::vector<std::string>& arguments) {
         }
         progress = std::make_unique<CheckProgress>(std::move(sizes));
     }
+    const std::string heading = "Check against " + std::filesystem::path(options.classifier).filename().string();
+    std::vector<std::unique_ptr<ReportWriter>> reports;
+    for (const std::string& path : options.reports)
+        reports.push_back(std::make_unique<ReportWriter>(path, *reportFormatOf(path), heading));
     // Only a page for people shows plans; drawing them costs an outline of every object.
     const bool plans = std::any_of(options.reports.begin(), options.reports.end(), [](const std::string& path) {
         return reportFormatOf(path) == ReportFormat::kHtml;
     });
+
+    std::vector<DrawingTally> tallies;
+    std::vector<std::string> unreadable;  // why, for standard error once the progress bar is gone
+    bool anyFinding = false;
+    std::size_t written = 0;
+    std::mutex writing;
+    auto hand = [&](std::size_t index, DrawingCheck check) {
+        const std::lock_guard<std::mutex> guard(writing);
+        checks[index] = std::move(check);
+        done[index] = 1;
+        for (; written < count && done[written]; ++written) {
+            DrawingCheck& next = checks[written];
+            if (next.unreadable)
+                unreadable.push_back(next.tally.read
+                                         ? next.tally.drawing + ": the classifier could not be read against it"
+                                         : next.findings.back().message);
+            anyFinding = anyFinding || !next.findings.empty();
+            tallies.push_back(next.tally);
+            for (const auto& report : reports) report->add(next);
+            next = DrawingCheck{};
+        }
+    };
     std::atomic<std::size_t> next{0};
     std::mutex readingClassifier;
     auto work = [&] {
-        for (std::size_t i = next++; i < checks.size(); i = next++) {
+        for (std::size_t i = next++; i < count; i = next++) {
             CheckDrawingOptions checking;
             checking.readingClassifier = &readingClassifier;
             checking.objectsChecked = progress ? &progress->objects() : nullptr;
             checking.plan = plans;
             checking.planIndex = i;
-            checks[i] = checkDrawing(options.drawings[i], options.classifier, checking);
+            hand(i, checkDrawing(options.drawings[i], options.classifier, checking));
             if (progress) progress->drawingDone(i);
         }
     };
@@ -170,31 +200,13 @@ int runCheck(const std::vector<std::string>& arguments) {
     for (std::thread& thread : threads) thread.join();
     if (progress) progress->finish();
 
-    std::vector<DrawingTally> tallies;
-    std::vector<HtmlDrawing> pages;
-    std::vector<CheckFinding> findings;
-    bool unreadable = false;
-    for (DrawingCheck& check : checks) {
-        const std::string& drawing = check.tally.drawing;
-        if (check.unreadable) {
-            unreadable = true;
-            const std::string why = check.tally.read ? drawing + ": the classifier could not be read against it"
-                                                     : check.findings.back().message;
-            std::cerr << "veltarn check: " << why << "\n";
-        }
-        tallies.push_back(check.tally);
-        if (plans) pages.push_back({check.tally, std::move(check.planSvg), true, check.findings.size()});
-        findings.insert(findings.end(), std::make_move_iterator(check.findings.begin()),
-                        std::make_move_iterator(check.findings.end()));
-    }
+    for (const std::string& why : unreadable) std::cerr << "veltarn check: " << why << "\n";
     std::cout << summaryTable(tallies);
     std::cout.flush();
 
-    int status = unreadable ? kCheckUnreadable : findings.empty() ? kCheckClean : kCheckFindings;
-    for (const std::string& path : options.reports) {
-        const std::string bytes =
-            reportBytes(*reportFormatOf(path), findings, pages, options.classifier);
-        if (const std::string error = writeTextFile(path, bytes); !error.empty()) {
+    int status = !unreadable.empty() ? kCheckUnreadable : anyFinding ? kCheckFindings : kCheckClean;
+    for (const auto& report : reports) {
+        if (const std::string error = report->finish(); !error.empty()) {
             std::cerr << "veltarn check: " << error << "\n";
             status = kCheckUnreadable;
         }

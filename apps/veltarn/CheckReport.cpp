@@ -4,7 +4,6 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
-#include <filesystem>
 
 #include "base/Utf8.h"
 
@@ -199,28 +198,22 @@ std::string jsonLinesReport(const std::vector<CheckFinding>& findings) {
     return out;
 }
 
-std::string csvReport(const std::vector<CheckFinding>& findings) {
+std::string csvReport(const std::vector<CheckFinding>& findings) { return csvHeader() + csvRows(findings); }
+
+std::string csvHeader() {
     std::string out;
     for (std::size_t i = 0; i < kColumnNames.size(); ++i) out += std::string(i ? "," : "") + kColumnNames[i];
-    out += "\r\n";
+    return out + "\r\n";
+}
+
+std::string csvRows(const std::vector<CheckFinding>& findings) {
+    std::string out;
     for (const CheckFinding& finding : findings) {
         const auto values = columns(finding);
         for (std::size_t i = 0; i < values.size(); ++i) out += (i ? "," : "") + csvField(*values[i]);
         out += "\r\n";
     }
     return out;
-}
-
-std::string reportBytes(ReportFormat format, const std::vector<CheckFinding>& findings,
-                        const std::vector<HtmlDrawing>& drawings, const std::string& classifier) {
-    switch (format) {
-        case ReportFormat::kJsonLines: return jsonLinesReport(findings);
-        case ReportFormat::kCsv: return csvReport(findings);
-        case ReportFormat::kHtml: 
-            return htmlReport("Check against " + std::filesystem::path(classifier).filename().string(), drawings,
-                              findings);
-    }
-    return {};
 }
 
 std::string summaryTable(const std::vector<DrawingTally>& tallies) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "BulkCheck.h"
-#include "HtmlReport.h"
 #include "base/Result.h"
 
 namespace veltarn::app {
@@ -26,10 +25,9 @@ std::string jsonLinesReport(const std::vector<CheckFinding>& findings);
 Result<std::vector<CheckFinding>> readJsonLinesReport(const std::string& bytes, const std::string& name);
 // A header line, then one line a finding; fields quoted as RFC 4180 asks, lines end in CRLF.
 std::string csvReport(const std::vector<CheckFinding>& findings);
-
-// The report in `format`; a page (HtmlReport.h) shows `drawings` and names the classifier file.
-std::string reportBytes(ReportFormat format, const std::vector<CheckFinding>& findings,
-                        const std::vector<HtmlDrawing>& drawings, const std::string& classifier);
+// The same in two pieces: the header line, and the lines of findings.
+std::string csvHeader();
+std::string csvRows(const std::vector<CheckFinding>& findings);
 
 // One row a drawing and a total row, the columns aligned.
 std::string summaryTable(const std::vector<DrawingTally>& tallies);

@@ -28,18 +28,14 @@ table.findings{font-size:12px}
 tbody:target td{background:#fff3b0}
 )";
 
-struct Kinds {
-    std::map<std::string, int> findings;  // by code
-};
-
 std::string cell(const std::string& text, const char* cls = nullptr) {
     return std::string("<td") + (cls ? std::string(" class=\"") + cls + "\"" : "") + ">" + htmlEscaped(text) + "</td>";
 }
 
 std::string number(int n, bool counted) { return counted ? std::to_string(n) : "-"; }
 
-std::string kindsCell(const Kinds& kinds) {
-    std::vector<std::pair<std::string, int>> ordered(kinds.findings.begin(), kinds.findings.end());
+std::string kindsCell(const FindingKinds& kinds) {
+    std::vector<std::pair<std::string, int>> ordered(kinds.begin(), kinds.end());
     // The commonest first: what to talk to the contractor about.
     std::stable_sort(ordered.begin(), ordered.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
     std::string out = "<td>";
@@ -48,7 +44,7 @@ std::string kindsCell(const Kinds& kinds) {
     return out + "</td>";
 }
 
-std::string summaryRow(const std::string& nameCell, const DrawingTally& t, bool counted, const Kinds& kinds,
+std::string summaryRow(const std::string& nameCell, const DrawingTally& t, bool counted, const FindingKinds& kinds,
                        const char* rowClass) {
     std::string row = std::string("<tr") + (rowClass ? std::string(" class=\"") + rowClass + "\"" : "") + ">" + nameCell;
     if (!t.read) return row + "<td class=\"bad\" colspan=\"7\">unreadable</td>" + kindsCell(kinds) + "</tr>\n";
@@ -68,25 +64,22 @@ std::string findingsAnchor(std::size_t drawingIndex, const std::string& handle) 
     return "d" + std::to_string(drawingIndex + 1) + "-" + handle;
 }
 
-std::string htmlReport(const std::string& heading, const std::vector<HtmlDrawing>& drawings,
-                       const std::vector<CheckFinding>& findings) {
-    std::vector<std::vector<const CheckFinding*>> byDrawing(drawings.size());
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < drawings.size(); ++i)
-        for (std::size_t n = 0; n < drawings[i].findings && next < findings.size(); ++n)
-            byDrawing[i].push_back(&findings[next++]);
+FindingKinds findingKinds(std::span<const CheckFinding> findings) {
+    FindingKinds kinds;
+    for (const CheckFinding& finding : findings) ++kinds[finding.code];
+    return kinds;
+}
 
-    std::vector<Kinds> kinds(drawings.size());
-    Kinds allKinds;
+std::string htmlPageStart(const std::string& heading, const std::vector<HtmlDrawing>& drawings) {
+    FindingKinds allKinds;
     DrawingTally total;
     bool allCounted = true;
-    for (std::size_t i = 0; i < drawings.size(); ++i) {
-        for (const CheckFinding* finding : byDrawing[i]) {
-            ++kinds[i].findings[finding->code];
-            ++allKinds.findings[finding->code];
-        }
-        const DrawingTally& t = drawings[i].tally;
-        allCounted = allCounted && drawings[i].counted;
+    std::size_t findings = 0;
+    for (const HtmlDrawing& drawing : drawings) {
+        for (const auto& [code, count] : drawing.kinds) allKinds[code] += count;
+        const DrawingTally& t = drawing.tally;
+        allCounted = allCounted && drawing.counted;
+        findings += drawing.findings;
         total.objects += t.objects, total.valid += t.valid, total.faulty += t.faulty;
         total.unclassified += t.unclassified, total.foreign += t.foreign, total.audit += t.audit;
     }
@@ -96,43 +89,56 @@ std::string htmlReport(const std::string& heading, const std::vector<HtmlDrawing
                        htmlEscaped(heading) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body>\n";
     page += "<h1>" + htmlEscaped(heading) + "</h1>\n";
     page += "<p class=\"lead\">" + std::to_string(drawings.size()) + (drawings.size() == 1 ? " drawing, " : " drawings, ") +
-            (allCounted ? std::to_string(total.objects) + " objects, " : std::string()) + std::to_string(findings.size()) +
-            (findings.size() == 1 ? " finding" : " findings") + "</p>\n";
+            (allCounted ? std::to_string(total.objects) + " objects, " : std::string()) + std::to_string(findings) +
+            (findings == 1 ? " finding" : " findings") + "</p>\n";
     page += "<table class=\"summary\">\n<thead><tr><th>drawing</th><th>objects</th><th>valid</th><th>faulty</th>"
             "<th>unclassified</th><th>foreign</th><th>audit</th><th>findings by kind</th></tr></thead>\n<tbody>\n";
     for (std::size_t i = 0; i < drawings.size(); ++i)
         page += summaryRow("<td><a href=\"#d" + std::to_string(i + 1) + "\">" + htmlEscaped(drawings[i].tally.drawing) +
                                "</a></td>",
-                           drawings[i].tally, drawings[i].counted, kinds[i], nullptr);
+                           drawings[i].tally, drawings[i].counted, drawings[i].kinds, nullptr);
     page += summaryRow("<td>total</td>", total, allCounted, allKinds, "total");
-    page += "</tbody>\n</table>\n";
+    return page + "</tbody>\n</table>\n";
+}
 
-    for (std::size_t i = 0; i < drawings.size(); ++i) {
-        page += "<section id=\"d" + std::to_string(i + 1) + "\">\n<h2>" + htmlEscaped(drawings[i].tally.drawing) + "</h2>\n";
-        page += drawings[i].planSvg.empty() ? "" : drawings[i].planSvg + "\n";
-        if (byDrawing[i].empty()) {
-            page += "<p>No findings.</p>\n</section>\n";
-            continue;
+std::string htmlDrawingSection(std::size_t index, const HtmlDrawing& drawing, std::span<const CheckFinding> findings) {
+    std::string page = "<section id=\"d" + std::to_string(index + 1) + "\">\n<h2>" + htmlEscaped(drawing.tally.drawing) + "</h2>\n";
+    page += drawing.planSvg.empty() ? "" : drawing.planSvg + "\n";
+    if (findings.empty()) return page + "<p>No findings.</p>\n</section>\n";
+    page += "<table class=\"findings\">\n<thead><tr><th>drawing</th><th>handle</th><th>type</th><th>layer</th>"
+            "<th>class</th><th>code</th><th>message</th><th>expected</th></tr></thead>\n";
+    // One body per object, the link target of its red outline; its first body when it has
+    // findings in two places (an audit finding before its own).
+    std::set<std::string> anchored;
+    const std::string* open = nullptr;
+    for (const CheckFinding& f : findings) {
+        if (!open || *open != f.handle) {
+            if (open) page += "</tbody>\n";
+            const bool anchor = !f.handle.empty() && anchored.insert(f.handle).second;
+            page += anchor ? "<tbody id=\"" + htmlEscaped(findingsAnchor(index, f.handle)) + "\">\n" : "<tbody>\n";
+            open = &f.handle;
         }
-        page += "<table class=\"findings\">\n<thead><tr><th>drawing</th><th>handle</th><th>type</th><th>layer</th>"
-                "<th>class</th><th>code</th><th>message</th><th>expected</th></tr></thead>\n";
-        // One body per object, the link target of its red outline; its first body when it has
-        // findings in two places (an audit finding before its own).
-        std::set<std::string> anchored;
-        const std::string* open = nullptr;
-        for (const CheckFinding* f : byDrawing[i]) {
-            if (!open || *open != f->handle) {
-                if (open) page += "</tbody>\n";
-                const bool anchor = !f->handle.empty() && anchored.insert(f->handle).second;
-                page += anchor ? "<tbody id=\"" + htmlEscaped(findingsAnchor(i, f->handle)) + "\">\n" : "<tbody>\n";
-                open = &f->handle;
-            }
-            page += "<tr class=\"finding\">" + cell(f->drawing) + cell(f->handle) + cell(f->type) + cell(f->layer) +
-                    cell(f->className) + cell(f->code) + cell(f->message) + cell(f->expected) + "</tr>\n";
-        }
-        page += "</tbody>\n</table>\n</section>\n";
+        page += "<tr class=\"finding\">" + cell(f.drawing) + cell(f.handle) + cell(f.type) + cell(f.layer) +
+                cell(f.className) + cell(f.code) + cell(f.message) + cell(f.expected) + "</tr>\n";
     }
-    return page + "</body>\n</html>\n";
+    return page + "</tbody>\n</table>\n</section>\n";
+}
+
+std::string htmlPageEnd() { return "</body>\n</html>\n"; }
+
+std::string htmlReport(const std::string& heading, std::vector<HtmlDrawing> drawings,
+                       const std::vector<CheckFinding>& findings) {
+    std::vector<std::span<const CheckFinding>> spans;
+    std::size_t next = 0;
+    for (HtmlDrawing& drawing : drawings) {
+        const std::size_t count = std::min(drawing.findings, findings.size() - next);
+        spans.push_back(std::span<const CheckFinding>(findings).subspan(next, count));
+        next += count;
+        drawing.kinds = findingKinds(spans.back());
+    }
+    std::string page = htmlPageStart(heading, drawings);
+    for (std::size_t i = 0; i < drawings.size(); ++i) page += htmlDrawingSection(i, drawings[i], spans[i]);
+    return page + htmlPageEnd();
 }
 
 }  // namespace veltarn::app

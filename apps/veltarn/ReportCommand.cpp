@@ -71,11 +71,15 @@ int runReport(const std::vector<std::string>& arguments) {
         reports.push_back(std::move(read.value()));
     }
     const std::vector<CheckFinding> merged = mergeFindings(std::move(reports));
-    const std::string bytes =
-        *format == ReportFormat::kHtml
-            ? htmlReport("Findings of " + std::to_string(inputs.size()) + (inputs.size() == 1 ? " report" : " reports"),
-                         drawingsOf(merged), merged)
-            : reportBytes(*format, merged, {}, "");
+    std::string bytes;
+    switch (*format) {
+        case ReportFormat::kJsonLines: bytes = jsonLinesReport(merged); break;
+        case ReportFormat::kCsv: bytes = csvReport(merged); break;
+        case ReportFormat::kHtml:
+            bytes = htmlReport("Findings of " + std::to_string(inputs.size()) + (inputs.size() == 1 ? " report" : " reports"),
+                               drawingsOf(merged), merged);
+            break;
+    }
     if (const std::string error = writeTextFile(out, bytes); !error.empty()) {
         std::cerr << "veltarn report: " << error << "\n";
         return kCheckUnreadable;

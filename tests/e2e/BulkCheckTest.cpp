@@ -204,6 +204,21 @@ TEST_F(BulkCheck, TheExitStatusTellsCleanFromFaultyFromUnreadable) {
     EXPECT_NE(csv.find("\r\nselection.dxf,"), std::string::npos);
     EXPECT_EQ(csv.find("\r\nc.dxf,"), std::string::npos);
 
+    // A report that cannot be written (its name is a folder's) leaves the folder alone and fails
+    // the run; the other reports are still written whole, and a report written over an older
+    // one replaces it only at the end, with no temporary file left beside it.
+    fs::create_directories(dir_ / "taken.jsonl");
+    writeFile(dir_ / "old.csv", "older report\n");
+    const ShellRun blocked = check("--classifier c.txt --report taken.jsonl --report old.csv --report page.html c.dxf");
+    EXPECT_EQ(blocked.exitCode, 3) << blocked.out;
+    EXPECT_NE(blocked.out.find("veltarn check: taken.jsonl: is not a regular file\n"), std::string::npos) << blocked.out;
+    EXPECT_TRUE(fs::is_directory(dir_ / "taken.jsonl"));
+    EXPECT_EQ(readFile(dir_ / "old.csv").rfind("drawing,handle,", 0), 0u);
+    EXPECT_NE(readFile(dir_ / "page.html").find("</html>"), std::string::npos);
+    for (const auto& entry : fs::directory_iterator(dir_))
+        for (const char* report : {"old.csv.", "page.html.", "taken.jsonl."})
+            EXPECT_FALSE(entry.path().filename().string().starts_with(report)) << entry.path();
+
     // A classifier that cannot be opened checks nothing.
     EXPECT_EQ(check("--classifier none.txt c.dxf").exitCode, 3);
 

@@ -1,0 +1,42 @@
+// A report of veltarn check written while the drawings are checked, a drawing at a time in their
+// order, so that a delivery's findings are never all in memory at once. The report appears whole
+// at the end, or not at all.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BulkCheck.h"
+#include "CheckReport.h"
+#include "HtmlReport.h"
+#include "base/TextFileWrite.h"
+
+namespace veltarn::app {
+
+class ReportWriter {
+public:
+    // `heading` heads a page.
+    ReportWriter(std::string path, ReportFormat format, std::string heading);
+    ~ReportWriter();
+    ReportWriter(const ReportWriter&) = delete;
+    ReportWriter& operator=(const ReportWriter&) = delete;
+
+    // The next drawing's findings (and its plan, for a page).
+    void add(const DrawingCheck& check);
+    // Empty when the report was written, else why not.
+    std::string finish();
+
+private:
+    void fail(const std::string& error);
+
+    std::string path_, heading_, error_;
+    ReportFormat format_;
+    AtomicTextFile file_;
+    // A page's sections wait here until the summary that heads them is known.
+    std::FILE* sections_ = nullptr;
+    std::vector<HtmlDrawing> drawings_;  // without their plans, which are already written
+};
+
+}  // namespace veltarn::app
