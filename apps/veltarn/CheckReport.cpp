@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdio>
 
+#include "TextFormats.h"
 #include "base/Utf8.h"
 
 namespace veltarn::app {
@@ -21,35 +21,8 @@ std::array<std::string*, 8> columns(CheckFinding& f) {
 constexpr std::array<const char*, 8> kColumnNames = {"drawing", "handle", "type", "layer",
                                                      "class", "code", "message", "expected"};
 
-// UTF-8 passes through; control characters are escaped, as JSON requires.
-std::string jsonString(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\n': out += "\\n"; break;
-            case '\r': out += "\\r"; break;
-            case '\t': out += "\\t"; break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-                    out += escaped;
-                } else {
-                    out += c;
-                }
-        }
-    }
-    return out + "\"";
-}
-
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string out = "\"";
-    for (const char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return out + "\"";
-}
+using text_formats::csvField;
+using text_formats::jsonString;
 
 // One line of a JSON Lines report: a JSON object of strings only, which is all a report holds.
 class ReportLineParser {

@@ -2,12 +2,12 @@
 
 #include <unordered_map>
 
-#include "ExportText.h"
+#include "TextFormats.h"
 
 namespace veltarn::app {
 namespace {
 
-using namespace export_text;
+using namespace text_formats;
 
 std::string position(const host::Point3d& p, bool withZ) {
     std::string out = number(p.x) + " " + number(p.y);

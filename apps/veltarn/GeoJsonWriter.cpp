@@ -1,11 +1,11 @@
 #include "GeoJsonWriter.h"
 
-#include "ExportText.h"
+#include "TextFormats.h"
 
 namespace veltarn::app {
 namespace {
 
-using namespace export_text;
+using namespace text_formats;
 
 std::string jsonNumber(double value) {
     const std::string text = number(value);

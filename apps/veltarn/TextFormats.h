@@ -1,12 +1,12 @@
-// The text forms the export writers share: numbers as the shortest text that reads back to the
-// same double, JSON strings, RFC 4180 CSV fields.
+// The text forms the check reports and the export writers share: numbers as the shortest text
+// that reads back to the same double, JSON strings, RFC 4180 CSV fields.
 #pragma once
 
 #include <string>
 
 #include "host/EntityOutline.h"
 
-namespace veltarn::app::export_text {
+namespace veltarn::app::text_formats {
 
 // The shortest decimal that reads back as `value` ("0.1", "1e+300"); empty for NaN and infinities,
 // which neither JSON nor WKT can hold.
@@ -19,4 +19,4 @@ std::string csvField(const std::string& text);
 // True when a point of the outline lies off the plane Z = 0: it is then written in 3D.
 bool hasZ(const host::EntityOutline& outline);
 
-}  // namespace veltarn::app::export_text
+}  // namespace veltarn::app::text_formats

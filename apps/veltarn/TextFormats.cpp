@@ -1,10 +1,10 @@
-#include "ExportText.h"
+#include "TextFormats.h"
 
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 
-namespace veltarn::app::export_text {
+namespace veltarn::app::text_formats {
 
 std::string number(double value) {
     if (!std::isfinite(value)) return "";
@@ -61,4 +61,4 @@ bool hasZ(const host::EntityOutline& outline) {
     return false;
 }
 
-}  // namespace veltarn::app::export_text
+}  // namespace veltarn::app::text_formats
