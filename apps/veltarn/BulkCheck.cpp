@@ -44,8 +44,9 @@ public:
     ObjectChecker(host::Database& db, const Classifier& classifier, DrawingCheck& check)
         : tests_(db, classifier), check_(check) {}
 
-    // The plan, when given, gets the object's outline, a link when it has findings.
-    void check(host::ObjectId id, DrawingPlan* plan, std::size_t planIndex) {
+    // The plan, when given, gets the object's outline, a link when it has findings (`audited`:
+    // the handles the audit found something on).
+    void check(host::ObjectId id, DrawingPlan* plan, std::size_t planIndex, const std::set<std::string>& audited) {
         CheckFinding base{check_.tally.drawing, db::formatHandle(id.handle), "", "", "", "", "", ""};
         std::unique_ptr<host::DbEntity> entity = tests_.db().openEntity(id, host::OpenMode::kRead);
         if (entity) {
@@ -57,7 +58,7 @@ public:
         if (!plan || !entity) return;
         std::optional<PlanShape> shape = planShapeOf(*entity);
         if (!shape) return;
-        const bool faulty = check_.findings.size() != before;
+        const bool faulty = check_.findings.size() != before || audited.contains(base.handle);
         plan->add(std::move(*shape), faulty ? findingsAnchor(planIndex, base.handle) : std::string(),
                   base.handle + " " + base.type + " " + base.layer);
     }
@@ -177,8 +178,11 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
     check.tally.checked = true;
     ObjectChecker checker(*db, opened.classifier, check);
     DrawingPlan plan;
+    std::set<std::string> auditedHandles;
+    for (const CheckFinding& finding : check.findings)
+        if (finding.code.starts_with("audit-") && !finding.handle.empty()) auditedHandles.insert(finding.handle);
     for (host::ObjectId id : objects) {
-        checker.check(id, options.plan ? &plan : nullptr, options.planIndex);
+        checker.check(id, options.plan ? &plan : nullptr, options.planIndex, auditedHandles);
         if (options.objectsChecked) options.objectsChecked->fetch_add(1, std::memory_order_relaxed);
     }
     if (options.plan) check.planSvg = plan.svg();

@@ -153,8 +153,12 @@ int runCheck(const std::vector<std::string>& arguments) {
     }
     const std::string heading = "Check against " + std::filesystem::path(options.classifier).filename().string();
     std::vector<std::unique_ptr<ReportWriter>> reports;
-    for (const std::string& path : options.reports)
+    std::vector<bool> told;  // the report's error was told before the check
+    for (const std::string& path : options.reports) {
         reports.push_back(std::make_unique<ReportWriter>(path, *reportFormatOf(path), heading));
+        told.push_back(!reports.back()->error().empty());
+        if (told.back()) std::cerr << "veltarn check: " << reports.back()->error() << "\n";
+    }
     // Only a page for people shows plans; drawing them costs an outline of every object.
     const bool plans = std::any_of(options.reports.begin(), options.reports.end(), [](const std::string& path) {
         return reportFormatOf(path) == ReportFormat::kHtml;
@@ -205,9 +209,9 @@ int runCheck(const std::vector<std::string>& arguments) {
     std::cout.flush();
 
     int status = !unreadable.empty() ? kCheckUnreadable : anyFinding ? kCheckFindings : kCheckClean;
-    for (const auto& report : reports) {
-        if (const std::string error = report->finish(); !error.empty()) {
-            std::cerr << "veltarn check: " << error << "\n";
+    for (std::size_t i = 0; i < reports.size(); ++i) {
+        if (const std::string error = reports[i]->finish(); !error.empty()) {
+            if (!told[i]) std::cerr << "veltarn check: " << error << "\n";
             status = kCheckUnreadable;
         }
     }

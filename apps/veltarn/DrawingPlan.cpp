@@ -14,10 +14,17 @@ namespace {
 constexpr double kGrid = 2;
 constexpr std::uint8_t kGreyLevel = 0x40;  // dark: the picture is shown at half its size
 
+// Drawing units to grid units. Differences are taken of halves, since the extents of a hostile
+// drawing (-1e308 .. 1e308) differ by more than a double holds, and every result is held to the
+// plan, so that no coordinate can send a line across the whole range of a long.
 struct Mapping {
-    double scale = 1, minX = 0, maxY = 0, width = 0, height = 0;
-    long x(double v) const { return std::lround((v - minX) * scale); }
-    long y(double v) const { return std::lround((maxY - v) * scale); }
+    double scale = 1, minX = 0, maxY = 0;
+    long width = 1, height = 1;
+    long x(double v) const { return held((v / 2 - minX / 2) * (2 * scale), width); }
+    long y(double v) const { return held((maxY / 2 - v / 2) * (2 * scale), height); }
+    static long held(double grid, long most) {
+        return std::isfinite(grid) ? std::lround(std::clamp(grid, 0.0, static_cast<double>(most))) : 0;
+    }
 };
 
 // The path data of a shape, consecutive points that fall on one grid point dropped.
@@ -64,13 +71,18 @@ void DrawingPlan::add(PlanShape shape, std::string link, std::string title) {
 std::string DrawingPlan::svg() const {
     if (shapes_.empty()) return "";
     Mapping map;
-    const double spanX = maxX_ - minX_, spanY = maxY_ - minY_;
-    const double fit = std::min(spanX > 0 ? kWidth * kGrid / spanX : INFINITY, spanY > 0 ? kHeight * kGrid / spanY : INFINITY);
+    const double halfX = maxX_ / 2 - minX_ / 2, halfY = maxY_ / 2 - minY_ / 2;
+    const double fit = std::min(halfX > 0 ? kWidth * kGrid / 2 / halfX : INFINITY,
+                                halfY > 0 ? kHeight * kGrid / 2 / halfY : INFINITY);
     map.scale = std::isfinite(fit) && fit > 0 ? fit : 1;
     map.minX = minX_, map.maxY = maxY_;
+    auto extent = [&map](double half, double most) {
+        return std::max<long>(1, std::lround(std::min(half * (2 * map.scale), most)));
+    };
+    map.width = extent(halfX, kWidth * kGrid), map.height = extent(halfY, kHeight * kGrid);
+    const long width = map.width, height = map.height;
     // A margin of the strokes' width, so that outlines on the extents are not cut in half.
     const long margin = 4;
-    const long width = std::max<long>(1, std::lround(spanX * map.scale)), height = std::max<long>(1, std::lround(spanY * map.scale));
 
     // The objects without findings are a picture: its size is the plan's, however many there are.
     GreyCanvas grey(static_cast<int>(width + 2 * margin), static_cast<int>(height + 2 * margin));

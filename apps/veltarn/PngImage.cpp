@@ -51,7 +51,11 @@ void GreyCanvas::dot(long x, long y) {
 }
 
 void GreyCanvas::line(long x0, long y0, long x1, long y1) {
-    // Bresenham; the callers' points lie within the canvas and its margin, so the loop is short.
+    // Bresenham. Ends far outside are not drawn at all: the plan holds its points to the canvas,
+    // and a caller that does not must not make this loop run for ages.
+    const long reach = 4L * (width_ + height_);
+    for (const long v : {x0, y0, x1, y1})
+        if (v < -reach || v > reach) return;
     const long dx = std::labs(x1 - x0), dy = -std::labs(y1 - y0);
     const long sx = x0 < x1 ? 1 : -1, sy = y0 < y1 ? 1 : -1;
     long error = dx + dy;

@@ -1,6 +1,6 @@
 // A report of veltarn check written while the drawings are checked, a drawing at a time in their
-// order, so that a delivery's findings are never all in memory at once. The report appears whole
-// at the end, or not at all.
+// order, so that a delivery's findings are never all in memory at once. It grows in an unnamed
+// temporary file and appears whole at the end, or not at all.
 #pragma once
 
 #include <cstdio>
@@ -27,15 +27,16 @@ public:
     void add(const DrawingCheck& check);
     // Empty when the report was written, else why not.
     std::string finish();
+    // Why the report cannot be written, known before any drawing is checked; empty if none.
+    const std::string& error() const { return error_; }
 
 private:
     void fail(const std::string& error);
+    void keep(const std::string& bytes);
 
     std::string path_, heading_, error_;
     ReportFormat format_;
-    AtomicTextFile file_;
-    // A page's sections wait here until the summary that heads them is known.
-    std::FILE* sections_ = nullptr;
+    std::FILE* pending_ = nullptr;
     std::vector<HtmlDrawing> drawings_;  // without their plans, which are already written
 };
 

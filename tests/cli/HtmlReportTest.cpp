@@ -98,6 +98,19 @@ TEST(DrawingPlan, StaysSmallAndSaneOnCrowdedOrBrokenGeometry) {
     EXPECT_EQ(markup.find("inf"), std::string::npos) << markup;
 }
 
+// Extents wider than a double can tell the difference of: the plan still fits them, promptly.
+TEST(DrawingPlan, FitsTheWidestExtentsADoubleHolds) {
+    DrawingPlan plan;
+    plan.add({{{{-1e308, -1e308}, {1e308, 1e308}}}, false}, "", "");
+    plan.add({{{{-1e308, 1e308}, {1e308, -1e308}}}, false}, "d1-A", "");
+    const std::string svg = plan.svg();
+    EXPECT_NE(svg.find("viewBox=\"-4 -4 648 648\""), std::string::npos) << svg.substr(0, 200);
+    EXPECT_NE(svg.find("<path d=\"M0 0L640 640\">"), std::string::npos) << svg.substr(svg.find("<g"));
+    const auto pixels = pictureOf(svg);
+    // The grey diagonal from the lower left corner (row 644, column 4) to the upper right.
+    EXPECT_TRUE(pixels[644][4] && pixels[4][644] && pixels[324][324]);
+}
+
 class HtmlPage : public ::testing::Test {
 protected:
     static CheckFinding finding(std::string drawing, std::string handle, std::string code, std::string message = "") {

@@ -162,8 +162,8 @@ void Database::storeOwned(std::uint32_t slot, const TagList& tags) {
 }
 
 namespace {
-// Bytes a tag of a file takes, a little below the common least ("  8\nA\n" and its line ends): a
-// guess of the room a list needs, never a limit.
+// Bytes a tag of an ASCII file commonly takes at least (a group code line and a short value):
+// a guess of the room a list needs, never a limit.
 constexpr std::uint32_t kLeastTagBytes = 8;
 }  // namespace
 
