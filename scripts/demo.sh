@@ -34,6 +34,13 @@ echo "(exit status $status; the first findings of $out/check.csv:)"
 head -n 6 "$out/check.csv"
 echo "(the page for people, with the plan and its faulty objects in red: $out/check.html)"
 
+# The classified objects handed to a GIS: their class, records and geometry, as GeoJSON and CSV.
+echo "== veltarn export --classifier examples/utility-survey.txt examples/utility-survey.dxf $out/survey.geojson (and .csv)"
+"$build/bin/veltarn" export --classifier examples/utility-survey.txt examples/utility-survey.dxf "$out/survey.geojson"
+"$build/bin/veltarn" export --classifier examples/utility-survey.txt examples/utility-survey.dxf "$out/survey.csv"
+echo "(the first feature:)"
+sed -n 2p "$out/survey.geojson"
+
 echo "== veltarn examples/survey.dxf --script examples/demo.scr --save-as $out/survey-checked.dxf"
 "$build/bin/veltarn" examples/survey.dxf --script examples/demo.scr --save-as "$out/survey-checked.dxf"
 
