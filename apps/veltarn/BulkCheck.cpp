@@ -39,6 +39,20 @@ void addReaderMessages(const std::wstring& transcript, const std::string& drawin
     }
 }
 
+// The entity an object is about: the object itself, or the entity whose extension dictionary
+// holds it (an object-data xrecord), so that a script grouping findings by object finds the
+// audit's findings on a record under its entity.
+std::unique_ptr<host::DbEntity> owningEntity(host::Database& db, host::ObjectId id) {
+    constexpr int kRecordDepth = 3;  // xrecord, extension dictionary, entity
+    for (int level = 0; level < kRecordDepth && id; ++level) {
+        if (auto entity = db.openEntity(id, host::OpenMode::kRead)) return entity;
+        const std::unique_ptr<host::DbObject> object = db.openObject(id, host::OpenMode::kRead);
+        if (!object) return nullptr;
+        id = object->ownerId();
+    }
+    return nullptr;
+}
+
 class ObjectChecker {
 public:
     ObjectChecker(host::Database& db, const Classifier& classifier, DrawingCheck& check)
@@ -159,7 +173,8 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
         CheckFinding found{drawing, "", "", "", "", "audit-" + finding.code, finding.message, ""};
         if (finding.handle != db::kNoHandle) {
             found.handle = db::formatHandle(finding.handle);
-            if (auto entity = db->openEntity(host::ObjectId{finding.handle}, host::OpenMode::kRead)) {
+            if (auto entity = owningEntity(*db, host::ObjectId{finding.handle})) {
+                found.handle = db::formatHandle(entity->id().handle);
                 found.type = host::toUtf8(entityTypeOf(*entity));
                 found.layer = host::toUtf8(entity->layer());
             }

@@ -132,6 +132,13 @@ TEST_F(BulkCheck, AuditFindingsAndTheReadersMessagesAreReported) {
         << readFile(dir_ / "out.csv");
     EXPECT_EQ(readFile(dir_ / "ghost.dxf"), ghost);
 
+    // An audit finding on an object-data record is a finding on the entity that carries it.
+    fs::copy_file(source / "tests/cad/audit/data/bad_od_value_type.dxf", dir_ / "od.dxf");
+    ASSERT_EQ(check("--classifier selection.classes.txt --report od.csv od.dxf").exitCode, 1);
+    EXPECT_NE(readFile(dir_ / "od.csv").find("\r\nod.dxf,9C,Line,LAYER_00,,audit-od-value-type,\"LINE 9C: object data"),
+              std::string::npos)
+        << readFile(dir_ / "od.csv");
+
     const ShellRun mismatch = check("--classifier mismatch.txt --report out.csv records.dxf");
     EXPECT_EQ(mismatch.exitCode, 3) << mismatch.out;
     EXPECT_EQ(readFile(dir_ / "out.csv"),

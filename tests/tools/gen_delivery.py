@@ -187,11 +187,12 @@ class Drawing:
 
     def raw_record(self, entity, table, tags):
         """A records xrecord of `table` holding `tags` as they are (a value of another type, a record
-        cut short), which attach_records would not write; its handle."""
+        cut short), which attach_records would not write. The audit finds the xrecord; the check
+        reports that finding under the entity that carries it, whose handle this returns."""
         xdict = entity.get_extension_dict() if entity.has_extension_dict else entity.new_extension_dict()
         xrecord = xdict.add_xrecord(table.name)
         xrecord.reset(tags)
-        return xrecord.dxf.handle
+        return entity.dxf.handle
 
     def manifest_entry(self):
         return dict({"drawing": self.name, "state": "checked"}, **self.counts)
