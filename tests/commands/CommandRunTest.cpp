@@ -83,10 +83,7 @@ private:
 class CommandRun : public ::testing::Test {
 protected:
     void SetUp() override {
-        // The module's state lives as long as the process; each test starts from a fresh module.
-        moduleState().options = {};
-        moduleState().classifierPath.clear();
-        moduleState().paletteSet.reset();
+        test::resetModuleState();
         test::writeClassifier(classesFile_, kClasses);
         buildDrawing();
         auto opened = seam::WorkbenchDatabase::read(drawingFile_);

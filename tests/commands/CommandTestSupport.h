@@ -15,8 +15,16 @@
 #include "data/ObjectData.h"
 #include "data/ObjectDataRecord.h"
 #include "host/Utf8.h"
+#include "module/ModuleState.h"
 
 namespace veltarn::test {
+
+// The module's state lives as long as the process; each test starts from a fresh module.
+inline void resetModuleState() {
+    moduleState().options = {};
+    moduleState().classifierPath.clear();
+    moduleState().paletteSet.reset();
+}
 
 inline void writeClassifier(const std::filesystem::path& file, std::string text) {
     for (char& c : text)

@@ -39,9 +39,7 @@ print(" ".join(sorted(e.dxf.handle for e in ezdxf.readfile(sys.argv[1]).modelspa
 class DuplicateCommands : public ::testing::Test {
 protected:
     void SetUp() override {
-        moduleState().options = {};
-        moduleState().classifierPath.clear();
-        moduleState().paletteSet.reset();
+        test::resetModuleState();
         test::writeClassifier(classesFile_, kClasses);
         buildDrawing();
         auto opened = seam::WorkbenchDatabase::read(drawingFile_);

@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "CommandTestSupport.h"
 #include "ExternalTools.h"
 #include "ScratchFiles.h"
 #include "cad/session/WorkbenchSession.h"
@@ -48,9 +49,7 @@ print(len(msp), sum(1 for entity in found if entity), sum(any(illegal(t, row) fo
 class GeneratedDrawingCommands : public ::testing::Test {
 protected:
     void SetUp() override {
-        moduleState().options = {};
-        moduleState().classifierPath.clear();
-        moduleState().paletteSet.reset();
+        test::resetModuleState();
         ASSERT_EQ(testtools::missingEzdxf(), "");
     }
     void TearDown() override { session_.finish(); }

@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "ExternalTools.h"
+#include "ScriptDrawingTest.h"
 #include "cad/db/Geometry.h"
 #include "cad/db/GroupCodes.h"
 #include "cad/seam/ValueConversion.h"
@@ -58,36 +59,17 @@ for layout in list(doc.layouts) + [doc.blocks.get("FRAME")]:
               f"{a.dxf.height:g}/{a.dxf.rotation:g}/{int(a.has_extension_dict)}" for a in ref.attribs))
 )";
 
-class AttsyncTest : public ::testing::Test {
+class AttsyncTest : public ScriptDrawingTest {
 protected:
     void SetUp() override {
-        dir_ = fs::temp_directory_path() / ("veltarn_attsync_" + std::to_string(::getpid()));
-        fs::create_directories(dir_);
-        registerHostCommands(session_);
-        // Named by the script, so that a changed script makes a new drawing.
-        const fs::path file =
-            testtools::madeOnce("attsync_" + std::to_string(std::hash<std::string>{}(kDrawing)) + ".dxf",
-                                "-c " + testtools::quoted(kDrawing), "the ATTSYNC drawing");
-        ASSERT_FALSE(file.empty());
-        auto read = seam::WorkbenchDatabase::read(file);
-        ASSERT_TRUE(read.ok()) << read.message();
-        host_.openDocument(std::move(read.value()));
+        ASSERT_NO_FATAL_FAILURE(open("attsync", kDrawing));
         for (db::Handle h : db().entitiesOf(db().modelSpace()))
             if (db().typeName(h) == "INSERT") model_.push_back(h);
         ASSERT_EQ(model_.size(), 4u);  // rotated, bare, locked, PLAIN
         paper_ = db().entitiesOf(db().paperSpace()).at(0);
         nested_ = db().entitiesOf(db().findBlock("FRAME")).at(0);
     }
-    void TearDown() override { fs::remove_all(dir_); }
 
-    db::Database& db() { return host_.currentDrawing()->raw(); }
-    std::wstring type(const std::wstring& text) {
-        output_.clear();
-        host_.commandLine().input().append(text);
-        while (host_.commandLine().step()) {
-        }
-        return output_;
-    }
     std::string attributesOf(db::Handle reference) {
         std::string out;
         for (const db::Attribute& a : db::attributes(db().tags(reference)))
@@ -102,10 +84,6 @@ protected:
         return db::kNoHandle;
     }
 
-    fs::path dir_;
-    std::wstring output_;
-    seam::WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, "/nonexistent/settings"};
-    HostSession session_{host_};
     std::vector<db::Handle> model_;
     db::Handle paper_ = 0, nested_ = 0;
 };

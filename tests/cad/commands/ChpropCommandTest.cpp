@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "ExternalTools.h"
+#include "ScriptDrawingTest.h"
 #include "cad/db/EntityProperties.h"
 #include "cad/seam/ValueConversion.h"
 
@@ -38,38 +39,16 @@ for e in doc.modelspace():
     print(e.dxf.handle, e.dxf.layer, e.rgb or e.dxf.color, e.dxf.linetype, f"{e.dxf.ltscale:g}", e.dxf.lineweight)
 )";
 
-class ChpropTest : public ::testing::Test {
+class ChpropTest : public ScriptDrawingTest {
 protected:
     void SetUp() override {
-        dir_ = fs::temp_directory_path() / ("veltarn_chprop_" + std::to_string(::getpid()));
-        fs::create_directories(dir_);
-        registerHostCommands(session_);
-        const fs::path file =
-            testtools::madeOnce("chprop_" + std::to_string(std::hash<std::string>{}(kDrawing)) + ".dxf",
-                                "-c " + testtools::quoted(kDrawing), "the CHPROP drawing");
-        ASSERT_FALSE(file.empty());
-        auto read = seam::WorkbenchDatabase::read(file);
-        ASSERT_TRUE(read.ok()) << read.message();
-        host_.openDocument(std::move(read.value()));
+        ASSERT_NO_FATAL_FAILURE(open("chprop", kDrawing));
         const std::vector<db::Handle> entities = db().entitiesOf(db().modelSpace());
         ASSERT_EQ(entities.size(), 3u);
         line_ = entities[0], circle_ = entities[1], held_ = entities[2];
     }
-    void TearDown() override { fs::remove_all(dir_); }
 
-    db::Database& db() { return host_.currentDrawing()->raw(); }
-    std::wstring type(const std::wstring& text) {
-        output_.clear();
-        host_.commandLine().input().append(text);
-        while (host_.commandLine().step()) {
-        }
-        return output_;
-    }
     std::wstring hex(db::Handle h) { return seam::wide(db::formatHandle(h)); }
-    fs::path dir_;
-    std::wstring output_;
-    seam::WorkbenchHost host_{[this](const std::wstring& text) { output_ += text; }, "/nonexistent/settings"};
-    HostSession session_{host_};
     db::Handle line_ = 0, circle_ = 0, held_ = 0;
 };
 
