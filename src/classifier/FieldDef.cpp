@@ -7,11 +7,7 @@
 
 namespace veltarn {
 
-namespace {
-
-// `text` read as a value of `type` by the conversion rules of field values; nullopt for a point
-// text that is not one.
-std::optional<FieldValue> valueOf(FieldType type, const std::wstring& text) {
+std::optional<FieldValue> fieldValueOf(FieldType type, const std::wstring& text) {
     FieldValue value;
     switch (type) {
         case FieldType::Integer: value.setInteger(0); break;
@@ -26,6 +22,8 @@ std::optional<FieldValue> valueOf(FieldType type, const std::wstring& text) {
     }
     return value;
 }
+
+namespace {
 
 bool sameValue(const FieldValue& a, const FieldValue& b) {
     if (a.type() != b.type()) return false;
@@ -48,15 +46,15 @@ bool isListMember(const FieldDef& field, const std::wstring& item) {
             case FieldType::Character:
                 return host::toLower(item) == host::toLower(field.value.asText());
             case FieldType::Integer: {
-                auto v = valueOf(field.type, item);
+                auto v = fieldValueOf(field.type, item);
                 return v && v->integerValue() == field.value.asInteger();
             }
             case FieldType::Real: {
-                auto v = valueOf(field.type, item);
+                auto v = fieldValueOf(field.type, item);
                 return v && v->realValue() == field.value.asReal();
             }
             case FieldType::Point: {
-                auto v = valueOf(field.type, item);
+                auto v = fieldValueOf(field.type, item);
                 if (!v) return false;
                 FieldPoint p = v->pointValue(), d = field.value.asPoint();
                 return p.x == d.x && p.y == d.y && p.z == d.z;
@@ -80,14 +78,14 @@ bool isInRange(const FieldDef& field) {
             }
             case FieldType::Integer: {
                 std::int32_t d = field.value.asInteger();
-                return valueOf(field.type, low)->integerValue() <= d && d <= valueOf(field.type, high)->integerValue();
+                return fieldValueOf(field.type, low)->integerValue() <= d && d <= fieldValueOf(field.type, high)->integerValue();
             }
             case FieldType::Real: {
                 double d = field.value.asReal();
-                return valueOf(field.type, low)->realValue() <= d && d <= valueOf(field.type, high)->realValue();
+                return fieldValueOf(field.type, low)->realValue() <= d && d <= fieldValueOf(field.type, high)->realValue();
             }
             case FieldType::Point: {
-                auto lo = valueOf(field.type, low), hi = valueOf(field.type, high);
+                auto lo = fieldValueOf(field.type, low), hi = fieldValueOf(field.type, high);
                 if (!lo || !hi) return false;
                 FieldPoint a = lo->pointValue(), b = hi->pointValue(), d = field.value.asPoint();
                 return a.x <= d.x && d.x <= b.x && a.y <= d.y && d.y <= b.y && a.z <= d.z && d.z <= b.z;

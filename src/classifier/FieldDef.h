@@ -5,6 +5,7 @@
 #include "data/FieldValue.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,5 +61,9 @@ FieldAttributes parseAttributes(std::wstring_view text);
 
 // The key field of a table: character, kind key, the template "$(obj_name)", no attributes.
 FieldDef makeKeyField(std::wstring name);
+
+// `text` (a default, a list item, a range end as the classifier writes it) read as a value of
+// `type` by the conversion rules of field values; nullopt for a point text that is not one.
+std::optional<FieldValue> fieldValueOf(FieldType type, const std::wstring& text);
 
 }  // namespace veltarn

@@ -17,19 +17,7 @@ bool atMost(double a, double b) { return a <= b || nearlyEqual(a, b); }
 // are read as reals whatever the field's type, so that "1.5" in the list of an integer field is
 // 1.5 and no integer equals it (reading it as an integer would make it 1).
 std::optional<FieldValue> parsed(FieldType type, const std::wstring& text) {
-    FieldValue value;
-    switch (type) {
-        case FieldType::Integer:
-        case FieldType::Real: value.setReal(0); break;
-        case FieldType::Point: value.setPoint({}); break;
-        default: value.setText({}); break;
-    }
-    try {
-        value.assign(FieldValue::fromText(text));
-    } catch (int) {
-        return std::nullopt;
-    }
-    return value;
+    return fieldValueOf(type == FieldType::Integer ? FieldType::Real : type, text);
 }
 
 // A number of either stored type, as a real.
