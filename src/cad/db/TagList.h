@@ -48,6 +48,12 @@ public:
     void addPoint2(int code, double x, double y);  // code, code+10
     void insert(std::size_t at, int code, std::string value);
     void erase(std::size_t at, std::size_t count = 1);
+    // Tags [from, to) as a list of their own.
+    TagList slice(std::size_t from, std::size_t to) const {
+        TagList out;
+        out.tags_.assign(tags_.begin() + static_cast<std::ptrdiff_t>(from), tags_.begin() + static_cast<std::ptrdiff_t>(to));
+        return out;
+    }
 
     // The "0" tag's value: the DXF type name.
     std::string_view type() const;

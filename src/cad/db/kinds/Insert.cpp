@@ -181,15 +181,6 @@ const EntityKindOps kMultipleInsert{
 
 namespace {
 
-// Tags [from, to) of `tags` as a list of their own.
-TagList slice(const TagList& tags, std::size_t from, std::size_t to) {
-    TagList out;
-    out.reserve(to - from);
-    for (std::size_t i = from; i < to; ++i)
-        out.add(tags[i].code, tags[i].value);
-    return out;
-}
-
 // The application groups (reactors, extension dictionary) of an entity, before its first marker.
 TagList applicationGroups(const TagList& tags) {
     TagList out;
@@ -207,7 +198,7 @@ TagList applicationGroups(const TagList& tags) {
 
 TagList xdataOf(const TagList& tags) {
     for (std::size_t i = 1; i < tags.size(); ++i)
-        if (tags[i].code >= gc::kXdataFirst) return slice(tags, i, tags.size());
+        if (tags[i].code >= gc::kXdataFirst) return tags.slice(i, tags.size());
     return {};
 }
 
@@ -293,7 +284,7 @@ Result<std::vector<Handle>> synchronizeAttributes(Database& db, TagList& referen
     for (std::size_t i = end; i < reference.size();) {
         std::size_t next = reference.find(gc::kStructure, i + 1);
         if (next == TagList::npos) next = reference.size();
-        TagList piece = slice(reference, i, next);
+        TagList piece = reference.slice(i, next);
         if (piece.type() == "ATTRIB")
             had.push_back(std::move(piece));
         else if (piece.type() == "SEQEND")
@@ -301,7 +292,7 @@ Result<std::vector<Handle>> synchronizeAttributes(Database& db, TagList& referen
         i = next;
     }
 
-    TagList out = slice(reference, 0, end);
+    TagList out = reference.slice(0, end);
     std::vector<bool> kept(had.size(), false);
     std::size_t count = 0;
     for (const TagList& definition : definitions) {

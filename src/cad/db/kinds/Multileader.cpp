@@ -266,14 +266,6 @@ Result<Multileader> read(const TagList& tags, const Layout& at) {
 
 // --- Writing -------------------------------------------------------------------------------------------
 
-TagList slice(const TagList& tags, std::size_t from, std::size_t to) {
-    TagList out;
-    out.reserve(to - from);
-    for (std::size_t i = from; i < to; ++i)
-        out.add(tags[i].code, tags[i].value);
-    return out;
-}
-
 void append(TagList& out, const TagList& part) {
     for (const TagValue& tag : part)
         out.add(tag.code, tag.value);
@@ -449,10 +441,10 @@ struct Templates {
     Templates(const TagList& tags, const Layout& at) {
         if (!at.leaders.empty()) {
             const LeaderSpan& s = at.leaders.front();
-            leaderHead = slice(tags, s.begin, leaderHeadEnd(s));
+            leaderHead = tags.slice(s.begin, leaderHeadEnd(s));
             removePoints(leaderHead, kLeaderBreakStart);
             removePoints(leaderHead, kLeaderBreakEnd);
-            leaderTail = slice(tags, leaderTailBegin(s), s.end);
+            leaderTail = tags.slice(leaderTailBegin(s), s.end);
         } else {
             leaderHead = {{kLeaderOpen, std::string(kLeaderText)}, {290, "1"}, {291, "1"}};
             leaderTail = {{kLeaderClose, "}"}};
@@ -460,7 +452,7 @@ struct Templates {
         }
         for (const LeaderSpan& s : at.leaders) {
             if (s.lines.empty()) continue;
-            line = slice(tags, s.lines.front().begin, s.lines.front().end);
+            line = tags.slice(s.lines.front().begin, s.lines.front().end);
             removePoints(line, kVertex);
             removePoints(line, kLineBreakStart);
             removePoints(line, kLineBreakEnd);
@@ -511,7 +503,7 @@ int match(const std::vector<T>& had, std::vector<bool>& used, int index) {
 
 void writeLeader(TagList& out, const TagList& tags, const LeaderSpan& span, const Multileader::Leader& had,
                  const Multileader::Leader& want, const Templates& templates, Indices& indices) {
-    TagList head = slice(tags, span.begin, leaderHeadEnd(span));
+    TagList head = tags.slice(span.begin, leaderHeadEnd(span));
     if (want.connection != had.connection) putPoint(head, kConnection, want.connection);
     if (want.doglegDirection != had.doglegDirection) putPoint(head, kDoglegDirection, want.doglegDirection);
     if (want.doglegLength != had.doglegLength) putReal(head, kDoglegLength, want.doglegLength);
@@ -524,13 +516,13 @@ void writeLeader(TagList& out, const TagList& tags, const LeaderSpan& span, cons
             continue;
         }
         const Span& s = span.lines[static_cast<std::size_t>(k)];
-        TagList t = slice(tags, s.begin, s.end);
+        TagList t = tags.slice(s.begin, s.end);
         if (line.vertices != had.lines[static_cast<std::size_t>(k)].vertices) putPoints(t, kVertex, line.vertices, 1);
         append(out, t);
     }
     for (std::size_t k = 1; k < span.lines.size(); ++k)
-        append(out, slice(tags, span.lines[k - 1].end, span.lines[k].begin));
-    append(out, slice(tags, leaderTailBegin(span), span.end));
+        append(out, tags.slice(span.lines[k - 1].end, span.lines[k].begin));
+    append(out, tags.slice(leaderTailBegin(span), span.end));
 }
 
 void writeNewLeader(TagList& out, const Multileader::Leader& want, const Templates& templates, Indices& indices) {
@@ -562,7 +554,7 @@ TagList writeLeaders(const TagList& tags, const Layout& at, const Multileader& h
     }
     // Whatever lay between leaders stays, after them.
     for (std::size_t k = 1; k < at.leaders.size(); ++k)
-        append(out, slice(tags, at.leaders[k - 1].end, at.leaders[k].begin));
+        append(out, tags.slice(at.leaders[k - 1].end, at.leaders[k].begin));
     return out;
 }
 
@@ -590,13 +582,13 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
 
     using Content = Multileader::Content;
     bool kindChanged = value.content != had.content;
-    TagList own = slice(tags, at.close + 1, at.ownEnd);  // the entity's settings after the context
+    TagList own = tags.slice(at.close + 1, at.ownEnd);  // the entity's settings after the context
 
     TagList out;
     out.reserve(tags.size() + 64);
-    append(out, slice(tags, 0, at.context + 1));
+    append(out, tags.slice(0, at.context + 1));
 
-    TagList head = slice(tags, at.context + 1, pieceEnd(at, at.context));
+    TagList head = tags.slice(at.context + 1, pieceEnd(at, at.context));
     if (value.scale != had.scale) putReal(head, kScale, value.scale);
     if (value.basePoint != had.basePoint) putPoint(head, kBasePoint, value.basePoint);
     if (value.textHeight != had.textHeight) putReal(head, kTextHeight, value.textHeight);
@@ -604,7 +596,7 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     if (value.landingGap != had.landingGap) putReal(head, kLandingGap, value.landingGap);
     append(out, head);
 
-    TagList text = at.hasText == npos ? TagList{} : slice(tags, at.hasText, pieceEnd(at, at.hasText));
+    TagList text = at.hasText == npos ? TagList{} : tags.slice(at.hasText, pieceEnd(at, at.hasText));
     if (!kindChanged && value.content == Content::Mtext) {
         if (value.text != had.text) putText(text, kText, value.text);
         if (value.textLocation != had.textLocation) putPoint(text, kTextLocation, value.textLocation);
@@ -622,7 +614,7 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     }
     append(out, text);
 
-    TagList content = at.hasBlock == npos ? TagList{} : slice(tags, at.hasBlock, pieceEnd(at, at.hasBlock));
+    TagList content = at.hasBlock == npos ? TagList{} : tags.slice(at.hasBlock, pieceEnd(at, at.hasBlock));
     if (!kindChanged && value.content == Content::Block) {
         if (value.block != had.block) putText(content, kBlock, formatHandle(value.block));
         if (value.blockPosition != had.blockPosition) putPoint(content, kBlockPosition, value.blockPosition);
@@ -636,7 +628,7 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     append(out, content);
 
     if (at.plane != npos) {
-        TagList plane = slice(tags, at.plane, at.leadersAt);
+        TagList plane = tags.slice(at.plane, at.leadersAt);
         if (value.planeOrigin != had.planeOrigin) putPoint(plane, kPlaneOrigin, value.planeOrigin);
         append(out, plane);
     } else if (value.planeOrigin != had.planeOrigin) {
@@ -644,7 +636,7 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     }
 
     append(out, writeLeaders(tags, at, had, value));
-    append(out, slice(tags, at.leadersEnd, at.close + 1));
+    append(out, tags.slice(at.leadersEnd, at.close + 1));
 
     if (kindChanged) putInteger(own, kContentType, contentType(value.content));
     if (value.content == Content::Block && (kindChanged || value.block != had.block))
@@ -659,7 +651,7 @@ Result<void> setMultileader(TagList& tags, const Multileader& value) {
     if (block && value.blockRotation != had.blockRotation && own.find(kEntityBlockRotation) != npos)
         putReal(own, kEntityBlockRotation, value.blockRotation);
     append(out, own);
-    append(out, slice(tags, at.ownEnd, tags.size()));
+    append(out, tags.slice(at.ownEnd, tags.size()));
     tags = std::move(out);
     return {};
 }
