@@ -25,20 +25,6 @@ std::string faultMessage(const Fault& fault) {
     return host::toUtf8(text);
 }
 
-// The reader's transcript, one finding a line.
-void addReaderMessages(const std::wstring& transcript, const std::string& drawing,
-                       std::vector<CheckFinding>& findings) {
-    std::size_t start = 0;
-    while (start < transcript.size()) {
-        std::size_t end = transcript.find(L'\n', start);
-        if (end == std::wstring::npos) end = transcript.size();
-        const std::wstring line = transcript.substr(start, end - start);
-        if (line.find_first_not_of(L" \t\r") != std::wstring::npos)
-            findings.push_back({drawing, "", "", "", "", "classifier-message", host::toUtf8(line), ""});
-        start = end + 1;
-    }
-}
-
 // The entity an object is about: the object itself, or the entity whose extension dictionary
 // holds it (an object-data xrecord), so that a script grouping findings by object finds the
 // audit's findings on a record under its entity.
@@ -183,7 +169,8 @@ DrawingCheck checkDrawing(const std::string& drawing, const std::filesystem::pat
         ++check.tally.audit;
     }
     const std::vector<host::ObjectId> objects = db->blockEntities(db->modelSpace());
-    addReaderMessages(opened.transcript, drawing, check.findings);
+    for (std::string& message : opened.readerMessages())
+        check.findings.push_back({drawing, "", "", "", "", "classifier-message", std::move(message), ""});
     if (opened.classifierFailed) {
         check.unreadable = true;
         check.tally.objects = static_cast<int>(objects.size());

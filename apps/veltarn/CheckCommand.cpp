@@ -13,10 +13,10 @@
 
 #include "BulkCheck.h"
 #include "CheckProgress.h"
+#include "ClassifiedDrawing.h"
 #include "CheckReport.h"
 #include "HtmlReport.h"
 #include "ReportWriter.h"
-#include "base/RegularFile.h"
 
 namespace veltarn::app {
 
@@ -123,12 +123,9 @@ int runCheck(const std::vector<std::string>& arguments) {
         return kCheckUsage;
     }
     const CheckOptions& options = parsed.options;
-    // The reader is silent about a file it cannot open; nothing could be checked against it.
-    if (const FileBytes classifier = checkRegularFile(options.classifier); !classifier.ok()) {
-        std::cerr << "veltarn check: "
-                  << (classifier.problem == FileProblem::kCannotOpen ? options.classifier + ": cannot open the classifier"
-                                                                     : classifier.error)
-                  << "\n";
+    // Nothing could be checked against a classifier that cannot be read.
+    if (const std::string problem = classifierFileProblem(options.classifier); !problem.empty()) {
+        std::cerr << "veltarn check: " << problem << "\n";
         return kCheckUnreadable;
     }
 

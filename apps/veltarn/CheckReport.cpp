@@ -146,14 +146,9 @@ Result<std::vector<CheckFinding>> readJsonLinesReport(const std::string& bytes, 
 }
 
 std::optional<ReportFormat> reportFormatOf(const std::string& path) {
-    std::string lower = path;
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
-    auto endsWith = [&lower](const std::string& end) {
-        return lower.size() > end.size() && lower.compare(lower.size() - end.size(), end.size(), end) == 0;
-    };
-    if (endsWith(".jsonl")) return ReportFormat::kJsonLines;
-    if (endsWith(".csv")) return ReportFormat::kCsv;
-    if (endsWith(".html") || endsWith(".htm")) return ReportFormat::kHtml;
+    if (text_formats::hasExtension(path, ".jsonl")) return ReportFormat::kJsonLines;
+    if (text_formats::hasExtension(path, ".csv")) return ReportFormat::kCsv;
+    if (text_formats::hasExtension(path, ".html") || text_formats::hasExtension(path, ".htm")) return ReportFormat::kHtml;
     return std::nullopt;
 }
 

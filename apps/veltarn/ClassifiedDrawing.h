@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "cad/seam/WorkbenchHost.h"
 #include "classifier/Classifier.h"
@@ -20,7 +21,14 @@ struct ClassifiedDrawing {
     Classifier classifier;
     std::wstring transcript;        // what the classifier's reader printed
     bool classifierFailed = false;  // reading stopped on an error; `classifier` is not to be used
+
+    // The reader's messages, one a line of the transcript, blank lines left out, in UTF-8.
+    std::vector<std::string> readerMessages() const;
 };
+
+// Why the classifier file `path` cannot be read, as the subcommands tell it; empty when it can.
+// (The reader itself is silent about a file it cannot open.)
+std::string classifierFileProblem(const std::string& path);
 
 // Reads `drawing`; the error is the reader's ("roads.dxf:1043: ..."). `beforeClassifier` sees the
 // drawing as the file holds it, before the classifier imports anything into it. Drawings may be

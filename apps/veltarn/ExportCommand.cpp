@@ -12,21 +12,15 @@
 #include "ExportFeatures.h"
 #include "GeoCsvWriter.h"
 #include "GeoJsonWriter.h"
-#include "base/RegularFile.h"
+#include "TextFormats.h"
 #include "base/TextFileWrite.h"
-#include "host/Utf8.h"
 
 namespace veltarn::app {
 namespace {
 
 std::optional<ExportFormat> formatOf(const std::string& path) {
-    std::string lower = path;
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
-    auto endsWith = [&lower](const std::string& end) {
-        return lower.size() > end.size() && lower.compare(lower.size() - end.size(), end.size(), end) == 0;
-    };
-    if (endsWith(".geojson")) return ExportFormat::kGeoJson;
-    if (endsWith(".csv")) return ExportFormat::kCsv;
+    if (text_formats::hasExtension(path, ".geojson")) return ExportFormat::kGeoJson;
+    if (text_formats::hasExtension(path, ".csv")) return ExportFormat::kCsv;
     return std::nullopt;
 }
 
@@ -110,23 +104,13 @@ int runExport(const std::vector<std::string>& arguments) {
         std::cerr << "veltarn export: " << message << "\n";
         return int{kCheckUnreadable};
     };
-    // The reader is silent about a file it cannot open.
-    if (const FileBytes classifier = checkRegularFile(options.classifier); !classifier.ok())
-        return fail(classifier.problem == FileProblem::kCannotOpen ? options.classifier + ": cannot open the classifier"
-                                                                   : classifier.error);
+    if (const std::string problem = classifierFileProblem(options.classifier); !problem.empty()) return fail(problem);
     Result<ClassifiedDrawing> read = readClassifiedDrawing(options.drawing, options.classifier);
     if (!read) return fail(read.message());
     ClassifiedDrawing& drawing = read.value();
     // What the classifier's reader said (errors and warnings), as veltarn check reports it.
-    const std::string transcript = host::toUtf8(drawing.transcript);
-    for (std::size_t start = 0; start < transcript.size();) {
-        std::size_t end = transcript.find('\n', start);
-        if (end == std::string::npos) end = transcript.size();
-        const std::string line = transcript.substr(start, end - start);
-        if (line.find_first_not_of(" \t\r") != std::string::npos)
-            std::cerr << "veltarn export: " << options.classifier << ": " << line << "\n";
-        start = end + 1;
-    }
+    for (const std::string& message : drawing.readerMessages())
+        std::cerr << "veltarn export: " << options.classifier << ": " << message << "\n";
     if (drawing.classifierFailed)
         return fail(options.classifier + ": the classifier could not be read against " + options.drawing);
 

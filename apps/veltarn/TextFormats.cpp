@@ -1,5 +1,7 @@
 #include "TextFormats.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -52,6 +54,14 @@ std::string csvField(const std::string& text) {
     for (const char c : text)
         out += c == '"' ? std::string("\"\"") : std::string(1, c);
     return out + "\"";
+}
+
+bool hasExtension(const std::string& path, std::string_view extension) {
+    if (path.size() <= extension.size()) return false;
+    const std::string_view end = std::string_view(path).substr(path.size() - extension.size());
+    return std::equal(end.begin(), end.end(), extension.begin(), extension.end(), [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    });
 }
 
 bool hasZ(const host::EntityOutline& outline) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "host/EntityOutline.h"
 
@@ -15,6 +16,9 @@ std::string number(double value);
 std::string jsonString(const std::string& text);
 // A CSV field, quoted with its quotes doubled when it holds a comma, a quote or a line end.
 std::string csvField(const std::string& text);
+
+// True when `path` ends in `extension` (".csv"), in any case, after a name of at least one letter.
+bool hasExtension(const std::string& path, std::string_view extension);
 
 // True when a point of the outline lies off the plane Z = 0: it is then written in 3D.
 bool hasZ(const host::EntityOutline& outline);
